@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Start-up: the services every page reaches, the font and language, then the main window.
+#include "application.h"
+#include "camcfg.h"
+#include "cmdutil.h"
+#include "gdata.h"
+#include "maindialog.h"
+#include "messagehandler.h"
+#include "platform.h"
+#include "simulatortools.h"
+#include "terminationsignals.h"
+
+#include <QDebug>
+#include <QFont>
+#include <QTextCodec>
+
+namespace {
+
+// The window lives until the process ends; a static keeps it reachable.
+MainDialog *s_mainDialog = nullptr;
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    Application app(argc, argv);
+
+    // Translations and C strings are UTF-8 already; only the locale codec,
+    // which turns texts into bytes for files and commands, needs setting.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+
+    qInstallMessageHandler(myMessageOutput);
+
+    QString platformError;
+    if (!Platform::instance().load(Platform::deploymentFilePath(), &platformError))
+        qCritical("%s", qPrintable(platformError));
+
+    g_pCmdUtil = new CmdUtil;
+
+    g_pData = new GData(g_pCmdUtil);
+    g_pData->Init(&app);
+
+    g_pData->versionDelete();
+
+    auto *font = new QFont(QStringLiteral("WenQuanYi Micro Hei"));
+    font->setPixelSize(28);
+    QApplication::setFont(*font);
+
+    const QString locale = Application::localeForLanguage(g_pData->m_pCamCfg->value(CamCfg::Language));
+    if (!locale.isEmpty())
+        app.switchLanguage(locale);
+
+    s_mainDialog = new MainDialog;
+    s_mainDialog->show();
+    if (Platform::instance().simulated)
+        startSimulatorTools(s_mainDialog);
+
+    quitOnTerminationSignals(&app);
+
+    const int result = app.exec();
+    // The device is switched off rather than left; when the program is
+    // stopped instead (the simulator, a service shell), the worker threads
+    // must finish their step before the process's static objects go.
+    delete s_mainDialog;
+    s_mainDialog = nullptr;
+    delete font;
+    return result;
+}

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Turns SIGTERM and SIGINT into a normal return from the event loop.
+#include "terminationsignals.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QSocketNotifier>
+
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+int s_signalPipe[2] = {-1, -1};
+
+// Only async-signal-safe work here: the event loop reads the byte.
+void onSignal(int number)
+{
+    const char byte = static_cast<char>(number);
+    [[maybe_unused]] const ssize_t written = ::write(s_signalPipe[0], &byte, 1);
+}
+
+} // namespace
+
+void quitOnTerminationSignals(QCoreApplication *app)
+{
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, s_signalPipe) != 0)
+        return;
+    auto *notifier = new QSocketNotifier(s_signalPipe[1], QSocketNotifier::Read, app);
+    QObject::connect(notifier, &QSocketNotifier::activated, app, [app]() {
+        char number = 0;
+        if (::read(s_signalPipe[1], &number, 1) == 1)
+            qDebug("signal %d: leaving", number);
+        app->quit();
+    });
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::sigaction(SIGINT, &action, nullptr);
+}

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The locked first-in-first-out queue that hands encoded frames from the capture thread to the writer.
+#pragma once
+
+#include <deque>
+#include <mutex>
+
+// Carries plain pointers; whoever takes a record owns it.
+struct OSAL_QUEUE
+{
+    std::mutex mutex;
+    std::deque<void *> records;
+};
+
+// Appends a record; non-zero when it could not be queued (out of memory).
+int OSAL_Queue(OSAL_QUEUE *queue, void *record);
+// The oldest record, or null when the queue is empty.
+void *OSAL_Dequeue(OSAL_QUEUE *queue);

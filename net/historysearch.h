@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The history page's reading of the history file: child keys, search, deletion, the HTML export, one child's tests.
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+// A child is known by the text of a record before its first "|": name, sex
+// and birthday joined by ",". Records are split as they are, without
+// quoting, so a comma typed into a name shifts that record's fields; the
+// functions here give such a record exactly what the splitting gives it.
+namespace historysearch {
+
+// The text before the first "|", the whole line when there is none.
+QString childKey(const QString &line);
+
+// Name, sex and birthday of a key: its first three ","-separated fields,
+// empty where the key has fewer.
+QStringList keyFields(const QString &key);
+
+// Every key of a non-empty line that contains `search` (case-sensitive; an
+// empty search matches every key), each once, in ascending code-unit order.
+// Runs in time linear in the size of the history (plus one sort of the keys
+// found), however many tests each child has.
+QStringList childKeys(const QString &history, const QString &search);
+
+// The history without every line that starts with one of the keys (a plain,
+// case-sensitive prefix test) and without empty lines; each kept line ends
+// with "\n". Linear in the size of the history, however many keys there are.
+QString withoutKeys(const QString &history, const QStringList &keys);
+
+// An HTML table of the tests on lines that start with one of the keys, in
+// the file's order. A line counts only when it has exactly one "|", three
+// fields before it and at most nine after; missing values show "N/A".
+// Values are HTML-escaped. `rows`, when given, receives the number of tests.
+QString exportHtml(const QString &history, const QStringList &keys, int *rows = nullptr);
+
+// File-name text for a report: the child's name with every character outside
+// [A-Za-z0-9_] made "_", then "_", then the time as "yyyyMMddhhmmss"
+// ("yyyy-MM-dd hh:mm:ss" without its "-", ":" and blanks), then ".html".
+QString reportFileName(const QString &name, const QDateTime &time);
+
+// The tests of the child whose key fields are the three given, in the file's
+// order: test time, OD sphere, cylinder and axis, OS sphere, cylinder and
+// axis, pupil distance and result, taken from the text after the first "|".
+// A value the record lacks reads "N/A".
+QVector<QStringList> testsOf(const QString &history, const QString &name, const QString &sex, const QString &birthday);
+
+// Test time and the eight values: the part of a record after "|".
+constexpr int kValuesPerTest = 9;
+
+} // namespace historysearch

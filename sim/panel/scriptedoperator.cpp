@@ -1,0 +1,323 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// A scripted tester for headless runs: works the device window and the scene, and reports.
+#include "scriptedoperator.h"
+
+#include "camcfg.h"
+#include "gdata.h"
+#include "simulatedworld.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemModel>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCoreApplication>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStackedWidget>
+#include <QStringList>
+#include <QWidget>
+
+#include <cstdio>
+
+namespace {
+
+void setScene(int distanceMm, int pitch, int ambient)
+{
+    SimulatedWorld &world = SimulatedWorld::instance();
+    world.childDistanceMm = distanceMm;
+    world.pitchDegrees = pitch;
+    world.ambientLight = ambient;
+}
+
+} // namespace
+
+ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, QObject *parent)
+    : QObject(parent)
+    , m_device(device)
+    , m_screensDir(screensDir)
+{
+    const auto base = [this] {
+        return m_device->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetBase"));
+    };
+    const auto onResultPage = [base] {
+        auto *menu = base()->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetWithMenu"));
+        return base()->currentIndex() == 1 && menu->currentWidget()->objectName() == QLatin1String("pageResult");
+    };
+    const auto onPage = [this](const char *name) {
+        return [this, name] {
+            auto *pages = m_device->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetNoMenu"));
+            return pages && pages->isVisible() && pages->currentWidget()->objectName() == QLatin1String(name);
+        };
+    };
+    m_steps = {
+        // The camera's warm-up recording runs for its first six seconds;
+        // a screening started before it ends would be cut short by it.
+        {QStringLiteral("waits for the Wi-Fi network, the network time and the camera's warm-up"),
+         [base] { return base()->currentIndex() == 1 && g_pData->m_nCameraMode == 0 && g_pData->isNetworkReady(); },
+         [this] {
+             say(QStringLiteral("menu pages shown, network time known: ") + screenshot(QStringLiteral("01-details")));
+             // As the nurse would on the e-mail page: reports on, to her address.
+             CamCfg &cfg = *g_pData->m_pCamCfg;
+             cfg.setValue(CamCfg::EmailReporting, QStringLiteral("1"));
+             cfg.setValue(CamCfg::EmailAddress, QStringLiteral("nurse@school.example"));
+             cfg.dogenCurrentCFG();
+             cfg.saveCFG2File();
+             say(QStringLiteral("switched e-mail reports on, to nurse@school.example"));
+         },
+         500},
+    };
+    addScreening(QStringLiteral("Sofia Marquez"), false, QStringLiteral("2019-03-02"), true);
+    addScreening(QStringLiteral("Leo Park"), true, QStringLiteral("2016-07-19"), false);
+    m_steps.push_back({QStringLiteral("opens the history page"), [] { return true; },
+                       [this] {
+                           click("buttonHistory");
+                           say(QStringLiteral("opened the history"));
+                       },
+                       500});
+    m_steps.push_back({QStringLiteral("finds both children on the history page"), onPage("pageHistory"),
+                       [this] {
+                           say(QStringLiteral("history lists: %1: ").arg(historyRows().join(QStringLiteral("; "))) +
+                               screenshot(QStringLiteral("10-history")));
+                           tickHistoryRow(QStringLiteral("Sofia Marquez"));
+                           click("buttonHistoryExport");
+                       },
+                       1000});
+    m_steps.push_back({QStringLiteral("exports Sofia's records"), [this] { return m_answers.size() >= 3; },
+                       [this] {
+                           say(QStringLiteral("exported Sofia Marquez's records by e-mail: ") + m_answers.last());
+                           tickHistoryRow(QStringLiteral("Sofia Marquez"));
+                           tickHistoryRow(QStringLiteral("Leo Park"));
+                           click("buttonHistoryDelete");
+                       },
+                       1000});
+    m_steps.push_back({QStringLiteral("deletes Leo's records"), [] { return true; },
+                       [this] {
+                           say(QStringLiteral("deleted Leo Park's records; the history now lists: %1: ")
+                                   .arg(historyRows().join(QStringLiteral("; "))) +
+                               screenshot(QStringLiteral("11-history-after-delete")));
+                           const QStringList history =
+                               g_pData->readTestResult().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+                           say(QStringLiteral("history file: %1 line(s)").arg(history.size()));
+                           for (const QString &line : history)
+                               say(QStringLiteral("  ") + line);
+                       },
+                       300});
+    m_steps.push_back({QStringLiteral("finishes"), [] { return true; },
+                       [this] {
+                           say(QStringLiteral("message boxes answered: %1").arg(m_answers.join(QStringLiteral(" | "))));
+                           std::fprintf(stderr, "operator: done\n");
+                           QCoreApplication::exit(0);
+                       },
+                       0});
+    (void)onResultPage;
+    m_timer.setInterval(100);
+    connect(&m_timer, &QTimer::timeout, this, &ScriptedOperator::tick);
+    // Message boxes are answered by a timer of their own: a step that opened
+    // one is still running inside the step timer, which does not fire again
+    // until that step returns.
+    m_answerTimer.setInterval(100);
+    connect(&m_answerTimer, &QTimer::timeout, this, &ScriptedOperator::answerMessageBox);
+}
+
+void ScriptedOperator::start()
+{
+    QDir().mkpath(m_screensDir);
+    m_timer.start();
+    m_answerTimer.start();
+}
+
+void ScriptedOperator::addScreening(const QString &name, bool male, const QString &birthday, bool first)
+{
+    const auto base = [this] {
+        return m_device->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetBase"));
+    };
+    const auto onResultPage = [base] {
+        auto *menu = base()->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetWithMenu"));
+        return base()->currentIndex() == 1 && menu->currentWidget()->objectName() == QLatin1String("pageResult");
+    };
+    const QString tag = first ? QStringLiteral("0") : QStringLiteral("1");
+    m_steps.push_back({QStringLiteral("types the child's name and birthday"), [] { return true; },
+                       [this, name, male, birthday, first] {
+                           if (!first)
+                               click("buttonResultNext");
+                           m_device->findChild<QLineEdit *>(QStringLiteral("editName"))->setText(name);
+                           m_device->findChild<QLineEdit *>(QStringLiteral("editDate"))->setText(birthday);
+                           click(male ? "buttonMale" : "buttonFemale");
+                           say(QStringLiteral("typed %1, %2, %3")
+                                   .arg(name, male ? QStringLiteral("male") : QStringLiteral("female"), birthday));
+                           if (!first) {
+                               // This child is short-sighted in the left eye.
+                               SimulatedWorld::Refraction refraction;
+                               refraction.osSphere = -2.75;
+                               SimulatedWorld::instance().setRefraction(refraction);
+                           }
+                           click("buttonCamera");
+                           say(QStringLiteral("pressed the camera button"));
+                       },
+                       0});
+    m_steps.push_back(
+        {QStringLiteral("waits for the camera page"),
+         [base] { return base()->currentIndex() == 3 && g_pData->m_nCameraMode == 1; },
+         [this, tag] {
+             setScene(1350, 9, 45);
+             say(QStringLiteral("camera page, aiming; the child stands too far, the device tilts, the room "
+                                "is bright"));
+         },
+         1500});
+    m_steps.push_back({QStringLiteral("reads the first measurements"), [] { return true; },
+                       [this, tag] {
+                           say(QStringLiteral("device measured ") + measured() + QStringLiteral(": ") +
+                               screenshot(tag + QStringLiteral("2-aiming-badly")));
+                           setScene(1080, 0, 5);
+                           if (!g_pData->m_bAutoCapture)
+                               click("buttonFocusAuto");
+                           say(QStringLiteral("aims well (1080 mm, level, dim room) with automatic capture on"));
+                           m_captureStarted.start();
+                       },
+                       0});
+    m_steps.push_back({QStringLiteral("waits for the recording to start"), [] { return g_pData->m_nCameraMode == 2; },
+                       [this, tag] {
+                           say(QStringLiteral("recording started after %1 ms of steady aim; device measured %2: ")
+                                   .arg(m_captureStarted.elapsed())
+                                   .arg(measured()) +
+                               screenshot(tag + QStringLiteral("3-recording")));
+                           m_captureStarted.start();
+                       },
+                       0, 15000});
+    m_steps.push_back(
+        {QStringLiteral("waits for the analysis and the result page"), onResultPage,
+         [this, tag] {
+             const QString verdict =
+                 g_pData->m_strResult.isEmpty() ? QStringLiteral("(no verdict)") : g_pData->m_strResult;
+             say(QStringLiteral("result page after %1 ms (recording, upload and analysis): %2; OD %3 %4 x "
+                                "%5, OS %6 %7 x %8, PD %9: ")
+                     .arg(m_captureStarted.elapsed())
+                     .arg(verdict, g_pData->m_strODSphere, g_pData->m_strODCylinder, g_pData->m_strODAxis,
+                          g_pData->m_strOSSphere, g_pData->m_strOSCylinder, g_pData->m_strOSAxis,
+                          g_pData->m_strPupilDistance) +
+                 screenshot(tag + QStringLiteral("4-result")));
+             const QStringList history = g_pData->readTestResult().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+             say(QStringLiteral("saved history line: ") +
+                 (history.isEmpty() ? QStringLiteral("(none)") : history.last()));
+         },
+         0, 30000});
+    // The video report goes out half a second after the result; its box
+    // is answered like any other.
+    const int answersBefore = first ? 1 : 2;
+    m_steps.push_back({QStringLiteral("waits for the video report to be mailed"),
+                       [this, answersBefore] { return m_answers.size() >= answersBefore; },
+                       [this] { say(QStringLiteral("video report: ") + m_answers.last()); }, 300, 90000});
+}
+
+void ScriptedOperator::answerMessageBox()
+{
+    QWidget *modal = QApplication::activeModalWidget();
+    if (!modal || QLatin1String(modal->metaObject()->className()) != QLatin1String("MsgDialog") || modal == m_answered)
+        return;
+    m_answered = modal;
+    connect(modal, &QObject::destroyed, this, [this] { m_answered = nullptr; });
+    QStringList texts;
+    for (const char *name : {"labelTitle", "labelMsg", "labelTitleMsg"}) {
+        auto *label = modal->findChild<QLabel *>(QLatin1String(name));
+        if (label && label->isVisibleTo(modal))
+            texts << label->text();
+    }
+    m_answers << texts.join(QLatin1Char('/'));
+    // A question is answered with its left button (Yes); a notice with its one button.
+    auto *left = modal->findChild<QAbstractButton *>(QStringLiteral("buttonLeft1"));
+    auto *middle = modal->findChild<QAbstractButton *>(QStringLiteral("buttonMiddle1"));
+    QAbstractButton *answer = left && left->isVisibleTo(modal) ? left : middle;
+    if (answer)
+        QTimer::singleShot(200, answer, &QAbstractButton::click);
+}
+
+QStringList ScriptedOperator::historyRows() const
+{
+    QStringList rows;
+    auto *table = m_device->findChild<QAbstractItemView *>(QStringLiteral("tableViewSearchResult"));
+    if (!table || !table->model())
+        return rows;
+    const QAbstractItemModel *model = table->model();
+    for (int row = 0; row < model->rowCount(); ++row)
+        rows << QStringLiteral("%1, %2, %3")
+                    .arg(model->index(row, 1).data().toString(), model->index(row, 2).data().toString(),
+                         model->index(row, 3).data().toString());
+    return rows;
+}
+
+void ScriptedOperator::tickHistoryRow(const QString &name) const
+{
+    auto *table = m_device->findChild<QAbstractItemView *>(QStringLiteral("tableViewSearchResult"));
+    if (!table || !table->model())
+        return;
+    const QAbstractItemModel *model = table->model();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        if (model->index(row, 1).data().toString() == name)
+            QMetaObject::invokeMethod(m_device, "on_tableViewSearchResult_clicked", Qt::DirectConnection,
+                                      Q_ARG(QModelIndex, model->index(row, 0)));
+    }
+}
+
+void ScriptedOperator::tick()
+{
+    if (m_acting)
+        return;
+    if (m_pauseMs > 0) {
+        m_pauseMs -= m_timer.interval();
+        return;
+    }
+    if (m_next >= m_steps.size()) {
+        m_timer.stop();
+        return;
+    }
+    Step &step = m_steps[m_next];
+    if (!step.ready()) {
+        m_waitedMs += m_timer.interval();
+        if (m_waitedMs > step.limitMs) {
+            say(QStringLiteral("gave up: the device never let the operator %1").arg(step.what));
+            m_timer.stop();
+            QCoreApplication::exit(2);
+        }
+        return;
+    }
+    m_acting = true;
+    step.act();
+    m_acting = false;
+    m_pauseMs = step.pauseMs;
+    m_waitedMs = 0;
+    ++m_next;
+}
+
+void ScriptedOperator::say(const QString &text) const
+{
+    // Straight to the log, past the message handler: these lines are the
+    // run's report, not the device's.
+    std::fprintf(stderr, "operator: %s\n", qPrintable(text));
+}
+
+QString ScriptedOperator::screenshot(const QString &name) const
+{
+    const QString path = m_screensDir + QLatin1Char('/') + name + QStringLiteral(".png");
+    return m_device->grab().save(path) ? path : QStringLiteral("(screenshot failed)");
+}
+
+QString ScriptedOperator::measured() const
+{
+    const SimulatedWorld &world = SimulatedWorld::instance();
+    return QStringLiteral("distance %1 cm, pitch %2°, brightness %3, sharpness %4 (aiming light %5, flash %6)")
+        .arg(g_pData->m_nDistance.load())
+        .arg(g_pData->m_nPitch.load())
+        .arg(g_pData->m_nPreviewBrightness.load())
+        .arg(g_pData->m_nPreviewContrast.load())
+        .arg(QLatin1String(world.irLight ? "on" : "off"), QLatin1String(world.irFlashActive ? "pulsing" : "off"));
+}
+
+bool ScriptedOperator::click(const char *button) const
+{
+    auto *target = m_device->findChild<QAbstractButton *>(QLatin1String(button));
+    if (!target)
+        return false;
+    target->click();
+    return true;
+}

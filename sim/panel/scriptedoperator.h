@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// A scripted tester for headless runs: works the device window and the scene, and reports.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+
+#include <functional>
+#include <vector>
+
+class QWidget;
+
+// Each step runs when its condition holds (checked every 100 ms, for at
+// most its time limit), then waits its pause; a step whose condition never
+// holds ends the run with an error, so a headless run cannot hang.
+class ScriptedOperator : public QObject
+{
+    Q_OBJECT
+
+public:
+    ScriptedOperator(QWidget *device, const QString &screensDir, QObject *parent = nullptr);
+
+    void start();
+
+private:
+    struct Step
+    {
+        QString what;
+        std::function<bool()> ready;
+        std::function<void()> act;
+        int pauseMs = 0;
+        int limitMs = 15000;
+    };
+
+    // One child screened from the details page to the saved result.
+    void addScreening(const QString &name, bool male, const QString &birthday, bool first);
+    void answerMessageBox();
+    QStringList historyRows() const;
+    void tickHistoryRow(const QString &name) const;
+    void tick();
+    void say(const QString &text) const;
+    QString screenshot(const QString &name) const;
+    QString measured() const;
+    bool click(const char *button) const;
+
+    QWidget *m_device;
+    QString m_screensDir;
+    std::vector<Step> m_steps;
+    size_t m_next = 0;
+    int m_waitedMs = 0;
+    int m_pauseMs = 0;
+    QTimer m_timer;
+    QTimer m_answerTimer;
+    QElapsedTimer m_captureStarted;
+    QWidget *m_answered = nullptr;
+    QStringList m_answers;
+    bool m_acting = false;
+};

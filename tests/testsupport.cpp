@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Shared fixtures: a throw-away device folder, the stand-ins on PATH, captured log lines.
+#include "testsupport.h"
+
+#include "platform.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMutex>
+
+namespace {
+
+QMutex s_logMutex;
+QStringList s_logLines;
+QtMessageHandler s_previousHandler = nullptr;
+
+void captureMessage(QtMsgType, const QMessageLogContext &, const QString &text)
+{
+    QMutexLocker locker(&s_logMutex);
+    s_logLines << text;
+}
+
+QStringList readLines(const QString &path)
+{
+    QStringList lines = QString::fromUtf8(TestDevice::readFile(path)).split('\n');
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+} // namespace
+
+TestDevice::TestDevice()
+    : m_oldPath(qgetenv("PATH"))
+    , m_oldSimDir(qgetenv("ORVELLA_SIM_DIR"))
+{
+    QDir().mkpath(appDir());
+    QDir().mkpath(simDir());
+    Platform::resetToDefaults();
+    Platform &platform = Platform::instance();
+    platform.appDir = appDir();
+    platform.simulated = true;
+    // Every file the device writes outside its own folder goes here too.
+    const QString sys = simDir() + QStringLiteral("/sys");
+    QDir().mkpath(sys);
+    platform.recordingFile = root() + QStringLiteral("/pupil_video.avi");
+    platform.cameraRetryFile = root() + QStringLiteral("/camera.txt");
+    platform.startupScript = root() + QStringLiteral("/appstart.sh");
+    platform.ledLoopParameter = sys + QStringLiteral("/led_loop");
+    platform.ledValueParameter = sys + QStringLiteral("/led_val");
+    for (const QString &parameter : {platform.ledLoopParameter, platform.ledValueParameter}) {
+        QFile file(parameter);
+        if (file.open(QIODevice::WriteOnly))
+            file.write("0");
+    }
+    platform.irLedDevice = sys + QStringLiteral("/irled");
+    platform.batteryCapacityFile = sys + QStringLiteral("/capacity");
+    platform.usbOnlineFile = sys + QStringLiteral("/online");
+    platform.backlightPowerFile = sys + QStringLiteral("/bl_power");
+    platform.pitchSensorDevice = sys + QStringLiteral("/iio");
+    platform.printerSerialDevice = sys + QStringLiteral("/rfcomm0");
+    qputenv("ORVELLA_SIM_DIR", QFile::encodeName(simDir()));
+    // Only the stand-ins and the basic system tools: a host wpa_cli or
+    // poweroff must never be reached from a test.
+    qputenv("PATH", QByteArray(ORVELLA_SIM_BIN_DIR) + ":/usr/bin:/bin");
+}
+
+TestDevice::~TestDevice()
+{
+    qputenv("PATH", m_oldPath);
+    if (m_oldSimDir.isNull())
+        qunsetenv("ORVELLA_SIM_DIR");
+    else
+        qputenv("ORVELLA_SIM_DIR", m_oldSimDir);
+    Platform::resetToDefaults();
+}
+
+QStringList TestDevice::commandsRun() const
+{
+    return readLines(simDir() + QStringLiteral("/commands.log"));
+}
+
+QStringList TestDevice::events() const
+{
+    return readLines(simDir() + QStringLiteral("/events.log"));
+}
+
+void TestDevice::clearCommandLog() const
+{
+    QFile::remove(simDir() + QStringLiteral("/commands.log"));
+}
+
+void TestDevice::writeFile(const QString &relativePath, const QByteArray &bytes) const
+{
+    const QString path = root() + '/' + relativePath;
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        file.write(bytes);
+}
+
+QByteArray TestDevice::readFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    return file.readAll();
+}
+
+LogCapture::LogCapture()
+{
+    QMutexLocker locker(&s_logMutex);
+    s_logLines.clear();
+    s_previousHandler = qInstallMessageHandler(captureMessage);
+}
+
+LogCapture::~LogCapture()
+{
+    qInstallMessageHandler(s_previousHandler);
+}
+
+QStringList LogCapture::lines() const
+{
+    QMutexLocker locker(&s_logMutex);
+    return s_logLines;
+}
+
+bool LogCapture::contains(const QString &text) const
+{
+    const QStringList all = lines();
+    return std::any_of(all.begin(), all.end(), [&text](const QString &line) { return line.contains(text); });
+}

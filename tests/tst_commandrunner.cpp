@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// CmdUtil and wirelessutil against the simulator's wpa_cli, udhcpc and poweroff stand-ins.
+#include "cmdutil.h"
+#include "testsupport.h"
+#include "wirelessutil.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+const char kThreeSavedNetworks[] = "ctrl_interface=/var/run/wpa_supplicant\nupdate_config=1\n\n"
+                                   "network={\n\tssid=\"Clinic-Screening\"\n\tpsk=\"eyes2026\"\n\tpriority=10\n}\n\n"
+                                   "network={\n\tssid=\"School Nurse Office\"\n\tpsk=\"nurse-4412\"\n}\n\n"
+                                   "network={\n\tssid=\"Guest\"\n\tkey_mgmt=NONE\n\tdisabled=1\n}\n";
+
+// Only the wpa_cli calls, without the program name and interface option.
+QStringList wpaCalls(const QStringList &commands)
+{
+    QStringList calls;
+    for (const QString &line : commands) {
+        if (line.startsWith(QLatin1String("wpa_cli -i wlan0 ")))
+            calls << line.mid(17);
+    }
+    return calls;
+}
+
+} // namespace
+
+class TestCommandRunner : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDevice> m_device;
+    std::unique_ptr<CmdUtil> m_cmd;
+
+    void saveSupplicantConfig(const QByteArray &text)
+    {
+        m_device->writeFile(QStringLiteral("sim/wifi/wpa_supplicant.conf"), text);
+    }
+
+    // Waits (bounded) until the supplicant reports the given state.
+    bool waitForState(const QString &state)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 5000) {
+            if (m_cmd->wireless_getstatus().contains(QStringLiteral("wpa_state=") + state + '\n'))
+                return true;
+            QTest::qWait(50);
+        }
+        return false;
+    }
+
+private slots:
+    void init()
+    {
+        m_device = std::make_unique<TestDevice>();
+        m_cmd = std::make_unique<CmdUtil>();
+        qputenv("ORVELLA_SIM_WIFI_JOIN_MS", "300");
+    }
+
+    void cleanup()
+    {
+        qunsetenv("ORVELLA_SIM_WIFI_JOIN_MS");
+        m_cmd.reset();
+        m_device.reset();
+    }
+
+    // --- text the shell quoting cannot carry runs nothing ---
+
+    void unquotableTextRunsNoCommand_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::newRow("quote injection") << QStringLiteral("'; touch PWNED; '");
+        QTest::newRow("newline") << QStringLiteral("Clinic\ntouch PWNED");
+        QTest::newRow("control character") << QStringLiteral("Clinic\x1b[2J");
+        QTest::newRow("lone quote") << QStringLiteral("Nurse's office");
+    }
+
+    void unquotableTextRunsNoCommand()
+    {
+        QFETCH(QString, value);
+        const QString cwd = QDir::currentPath();
+        QDir::setCurrent(m_device->root());
+        wirelessutil twin;
+        const QString results[] = {
+            m_cmd->wireless_setssid(0, value),
+            m_cmd->wireless_setpsk(0, value),
+            twin.wireless_setssid(0, value),
+            twin.wireless_setpsk(0, value),
+        };
+        QDir::setCurrent(cwd);
+        for (const QString &result : results)
+            QCOMPARE(result, QString());
+        QVERIFY(!QFile::exists(m_device->root() + QStringLiteral("/PWNED")));
+        QVERIFY(!QFile::exists(cwd + QStringLiteral("/PWNED")));
+        QCOMPARE(m_device->commandsRun(), QStringList());
+    }
+
+    void quotedValuesReachTheSupplicantUnchanged()
+    {
+        const int id = m_cmd->wireless_addnetwork().trimmed().toInt();
+        const QString ssid = QString::fromUtf8("Cl\xc3\xadnica $HOME `id` \"A\"");
+        QCOMPARE(m_cmd->wireless_setssid(id, ssid), QStringLiteral("OK\n"));
+        QCOMPARE(m_cmd->wireless_setpsk(id, QStringLiteral("p@ss word $1")), QStringLiteral("OK\n"));
+        // wpa_cli prints non-ASCII bytes and quotes escaped.
+        QVERIFY2(m_cmd->wireless_listnetwork().contains(
+                     QStringLiteral("\tCl\\xc3\\xadnica $HOME `id` \\\"A\\\"\tany\t[DISABLED]")),
+                 qPrintable(m_cmd->wireless_listnetwork()));
+    }
+
+    // --- failure paths of the runners ---
+
+    void unknownKeyManagementSendsNothing()
+    {
+        QCOMPARE(m_cmd->wireless_setkeymgmt(0, QStringLiteral("WPA")), QString());
+        QCOMPARE(wirelessutil().wireless_setkeymgmt(0, QStringLiteral("wpa_psk")), QString());
+        QCOMPARE(m_device->commandsRun(), QStringList());
+        QCOMPARE(m_cmd->wireless_setkeymgmt(0, QStringLiteral("NONE")), QStringLiteral("OK\n"));
+        // Sent with the underscore as written; the supplicant refuses it.
+        QCOMPARE(m_cmd->wireless_setkeymgmt(0, QStringLiteral("WPA_PSK")), QStringLiteral("FAIL\n"));
+        QCOMPARE(wpaCalls(m_device->commandsRun()),
+                 (QStringList{"set_network 0 key_mgmt NONE", "set_network 0 key_mgmt WPA_PSK"}));
+    }
+
+    void missingProgramGivesEmptyOutput()
+    {
+        LogCapture log;
+        QCOMPARE(m_cmd->sendCommand(QStringLiteral("no-such-program-here --flag")), QString());
+        QVERIFY(log.contains(QStringLiteral("failed to start, error 0")));
+        QCOMPARE(m_cmd->sendCommand2("no-such-program-here 2>/dev/null"), QString());
+        QVERIFY(log.contains(QStringLiteral("sendCommand2 read error! ")));
+    }
+
+    void outputIsCutAtEachRunnersLimit()
+    {
+        const QString longText = m_cmd->sendCommand2("printf '%0300d' 7");
+        QCOMPARE(longText.size(), 128);
+
+        // Enough access points for the scan results to pass both limits.
+        QByteArray world;
+        for (int i = 0; i < 120; ++i)
+            world += QStringLiteral("02:00:00:00:00:%1\t2412\t-%2\t[WPA2-PSK-CCMP][ESS]\tNet %3\tpassword%3\n")
+                         .arg(i, 2, 16, QLatin1Char('0'))
+                         .arg(40 + i / 2)
+                         .arg(i)
+                         .toUtf8();
+        m_device->writeFile(QStringLiteral("sim/wifi/world.tsv"), world);
+        const QString full = m_cmd->wireless_scanresult();
+        QVERIFY(full.size() > 5000);
+        wirelessutil twin;
+        QCOMPARE(twin.wireless_scanresult(), full.left(4096));
+
+        QByteArray config = "update_config=1\n";
+        for (int i = 0; i < 50; ++i)
+            config += "network={\n\tssid=\"Saved network " + QByteArray::number(i) + "\"\n\tkey_mgmt=NONE\n}\n";
+        saveSupplicantConfig(config);
+        twin.wireless_reconfigure();
+        const QString networks = m_cmd->wireless_listnetwork();
+        QVERIFY(networks.size() > 1000);
+        QCOMPARE(twin.wireless_listnetwork(), networks.left(512));
+    }
+
+    // --- selecting a network by priority ---
+
+    void selectNetworkRaisesOneAndLowersTheOthers()
+    {
+        saveSupplicantConfig(kThreeSavedNetworks);
+        m_device->clearCommandLog();
+        QCOMPARE(m_cmd->wireless_selectnetwork(1), QStringLiteral("OK\n"));
+        QCOMPARE(wpaCalls(m_device->commandsRun()),
+                 (QStringList{"list_network", "set_network 0 priority 1", "set_network 1 priority 10",
+                              "set_network 2 priority 1", "enable_network all", "save_config"}));
+        // The saved configuration now prefers the chosen network and has
+        // every network enabled.
+        const QByteArray saved = TestDevice::readFile(m_device->simDir() + QStringLiteral("/wifi/wpa_supplicant.conf"));
+        QVERIFY(saved.contains("ssid=\"School Nurse Office\"\n\tpsk=\"nurse-4412\"\n\tpriority=10\n"));
+        QVERIFY(!saved.contains("disabled=1"));
+    }
+
+    void selectNetworkWithNoSavedNetworksOnlySaves()
+    {
+        saveSupplicantConfig("ctrl_interface=/var/run/wpa_supplicant\nupdate_config=1\n");
+        m_device->clearCommandLog();
+        QCOMPARE(m_cmd->wireless_selectnetwork(0), QStringLiteral("OK\n"));
+        QCOMPARE(wpaCalls(m_device->commandsRun()), (QStringList{"list_network", "save_config"}));
+    }
+
+    void reconfigureDiffersBetweenTheTwins()
+    {
+        m_cmd->wireless_reconfigure();
+        wirelessutil twin;
+        twin.wireless_reconfigure();
+        QCOMPARE(wpaCalls(m_device->commandsRun()), (QStringList{"save_config", "reconfigure"}));
+    }
+
+    void twinSelectsTheSameWayAndRereadsTheConfig()
+    {
+        saveSupplicantConfig(kThreeSavedNetworks);
+        m_device->clearCommandLog();
+        wirelessutil twin;
+        QCOMPARE(twin.wireless_selectnetwork(2), QStringLiteral("OK\n"));
+        QCOMPARE(wpaCalls(m_device->commandsRun()),
+                 (QStringList{"list_network", "set_network 0 priority 1", "set_network 1 priority 1",
+                              "set_network 2 priority 10", "enable_network all", "reconfigure"}));
+    }
+
+    // --- connection state ---
+
+    void connectedOnlyWhenCompleted()
+    {
+        // The default supplicant configuration joins the clinic network.
+        QVERIFY(waitForState(QStringLiteral("COMPLETED")));
+        QVERIFY(m_cmd->wireless_is_connected());
+        QVERIFY(m_cmd->wireless_getRSSI().startsWith(QLatin1String("RSSI=-42\n")));
+        QVERIFY(m_cmd->wireless_udhcpnetwork().contains(QLatin1String("lease of 192.168.50.20 obtained")));
+
+        m_cmd->sendCommand(QStringLiteral("wpa_cli -i wlan0 disable_network all"));
+        QVERIFY(!m_cmd->wireless_is_connected());
+        QCOMPARE(m_cmd->wireless_getRSSI(), QStringLiteral("FAIL\n"));
+        QVERIFY(m_cmd->wireless_udhcpnetwork().contains(QLatin1String("no lease, failing")));
+    }
+
+    void completedAnywhereInTheStatusCounts()
+    {
+        // A wpa_cli that prints the state inside another line.
+        m_device->writeFile(QStringLiteral("bin/wpa_cli"), "#!/bin/sh\necho 'note: last wpa_state=COMPLETED seen'\n");
+        QFile::setPermissions(m_device->root() + QStringLiteral("/bin/wpa_cli"),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(m_device->root() + QStringLiteral("/bin:")) + path);
+        const bool connected = m_cmd->wireless_is_connected();
+        qputenv("PATH", path);
+        QVERIFY(connected);
+    }
+
+    void joiningWithRightAndWrongPassphrase()
+    {
+        saveSupplicantConfig("ctrl_interface=/var/run/wpa_supplicant\nupdate_config=1\n");
+        const int id = m_cmd->wireless_addnetwork().trimmed().toInt();
+        QCOMPARE(m_cmd->wireless_setssid(id, QStringLiteral("School Nurse Office")), QStringLiteral("OK\n"));
+        QCOMPARE(m_cmd->wireless_setpsk(id, QStringLiteral("wrong-password")), QStringLiteral("OK\n"));
+        m_cmd->wireless_selectnetwork(id);
+        QVERIFY(waitForState(QStringLiteral("4WAY_HANDSHAKE")));
+        QVERIFY(waitForState(QStringLiteral("DISCONNECTED")));
+
+        QCOMPARE(m_cmd->wireless_setpsk(id, QStringLiteral("nurse-4412")), QStringLiteral("OK\n"));
+        QVERIFY(waitForState(QStringLiteral("COMPLETED")));
+        QVERIFY(m_cmd->wireless_getstatus().contains(QLatin1String("\nssid=School Nurse Office\n")));
+        QVERIFY(m_cmd->wireless_listnetwork().contains(QLatin1String("\tSchool Nurse Office\tany\t[CURRENT]")));
+    }
+
+    // --- power ---
+
+    void poweroffEndsTheSimulatedDeviceOnly()
+    {
+        QProcess device;
+        device.start(QStringLiteral("sleep"), {QStringLiteral("30")});
+        QVERIFY(device.waitForStarted());
+        m_device->writeFile(QStringLiteral("sim/device.pid"), QByteArray::number(device.processId()));
+        m_cmd->poweroff();
+        QVERIFY(device.waitForFinished(5000));
+        QCOMPARE(device.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(m_device->events().size(), 1);
+        QVERIFY(m_device->events().at(0).endsWith(QLatin1String(" poweroff")));
+        m_cmd->reboot();
+        QVERIFY(m_device->events().at(1).endsWith(QLatin1String(" reboot")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCommandRunner)
+#include "tst_commandrunner.moc"

@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The history file: one line per test appended and synced, read back whole, rewritten atomically.
+#include "gdata.h"
+#include "systemclock.h"
+#include "testsupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+#include <algorithm>
+#include <csignal>
+#include <memory>
+#include <vector>
+
+#include <dlfcn.h>
+#include <limits.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// What the disk was asked to keep: the file and its size at that moment.
+struct Sync
+{
+    QString path;
+    qint64 size;
+};
+
+std::vector<Sync> s_syncs;
+
+void recordSync(int fd)
+{
+    char target[PATH_MAX] = {};
+    const QByteArray link = QByteArrayLiteral("/proc/self/fd/") + QByteArray::number(fd);
+    const ssize_t length = ::readlink(link.constData(), target, sizeof target - 1);
+    struct stat status = {};
+    ::fstat(fd, &status);
+    s_syncs.push_back({QFile::decodeName(QByteArray(target, length > 0 ? int(length) : 0)), qint64(status.st_size)});
+}
+
+template <class Function> Function nextDefinition(const char *name)
+{
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+// The program's own calls land here first, which lets the tests see what was
+// synced without tracing the process; the real call follows.
+extern "C" int fdatasync(int fd)
+{
+    static const auto real = nextDefinition<int (*)(int)>("fdatasync");
+    recordSync(fd);
+    return real(fd);
+}
+
+extern "C" int fsync(int fd)
+{
+    static const auto real = nextDefinition<int (*)(int)>("fsync");
+    recordSync(fd);
+    return real(fd);
+}
+
+class TestHistory : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDevice> m_device;
+    std::unique_ptr<GData> m_data;
+    qint64 m_nowMs = 0;
+
+    QString historyDir() const { return m_device->appDir() + QStringLiteral("/CAMCFG"); }
+    QString historyFile() const { return historyDir() + QStringLiteral("/result.txt"); }
+    QByteArray onDisk() const { return TestDevice::readFile(historyFile()); }
+
+    // Amy's test of the record layout, taken at 10:42 local time at +5.5.
+    void amysTest(GData &data)
+    {
+        data.m_strName = QStringLiteral("Amy");
+        data.m_nSex = 0;
+        data.m_dateBirthday = QDate(2019, 3, 2);
+        data.m_strODSphere = QStringLiteral("-0.50");
+        data.m_strODCylinder = QStringLiteral("-0.75");
+        data.m_strODAxis = QStringLiteral("85");
+        data.m_strOSSphere = QStringLiteral("+0.25");
+        data.m_strOSCylinder = QStringLiteral("-0.00");
+        data.m_strOSAxis = QStringLiteral("5");
+        data.m_strPupilDistance = QStringLiteral("62");
+        data.m_strResult = QStringLiteral("Pass");
+        data.m_strTimeZone = QStringLiteral("5.5");
+        m_nowMs = QDateTime(QDate(2024, 5, 17), QTime(5, 12, 30), Qt::UTC).toMSecsSinceEpoch();
+    }
+
+    // A write that fails past the first few bytes, as on a full disk or when
+    // the power goes during it.
+    class FileSizeLimit
+    {
+    public:
+        explicit FileSizeLimit(rlim_t bytes)
+        {
+            ::getrlimit(RLIMIT_FSIZE, &m_old);
+            m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+            struct rlimit tiny = m_old;
+            tiny.rlim_cur = bytes;
+            ::setrlimit(RLIMIT_FSIZE, &tiny);
+        }
+        ~FileSizeLimit()
+        {
+            ::setrlimit(RLIMIT_FSIZE, &m_old);
+            std::signal(SIGXFSZ, m_oldHandler);
+        }
+
+    private:
+        struct rlimit m_old = {};
+        void (*m_oldHandler)(int) = nullptr;
+    };
+
+private slots:
+    void init()
+    {
+        m_device = std::make_unique<TestDevice>();
+        systemclock::setSourceForTesting([this] { return m_nowMs; });
+        // No Init: a fresh device has no CAMCFG folder until something saves.
+        m_data = std::make_unique<GData>(nullptr);
+        s_syncs.clear();
+    }
+
+    void cleanup()
+    {
+        m_data.reset();
+        systemclock::setSourceForTesting(nullptr);
+        m_device.reset();
+    }
+
+    // --- failure paths ---
+
+    void unusableFolderSavesNothingAndSaysNothing()
+    {
+        m_device->writeFile(QStringLiteral("app/CAMCFG"), "not a folder");
+        amysTest(*m_data);
+        LogCapture log;
+        m_data->saveTestResult();
+        QCOMPARE(log.lines(), QStringList());
+        // Receipts print this time; no record, no time.
+        QCOMPARE(m_data->m_strTestTime, QString());
+        QCOMPARE(m_data->readTestResult(), QString());
+        m_data->saveDeleteResult(QStringLiteral("anything"));
+        QCOMPARE(TestDevice::readFile(historyDir()), QByteArray("not a folder"));
+    }
+
+    void readingStopsAtAMissingFileOrAZeroByte()
+    {
+        QCOMPARE(m_data->readTestResult(), QString());
+        m_device->writeFile(QStringLiteral("app/CAMCFG/result.txt"), QByteArray("Amy,Female\n\0garbage", 19));
+        QCOMPARE(m_data->readTestResult(), QStringLiteral("Amy,Female\n"));
+    }
+
+    void interruptedRewriteLeavesTheOldHistory()
+    {
+        const QByteArray before = "Amy,Female,2019-03-02|2024-05-17 10:42,-0.50,-0.75,85,+0.25,-0.00,5,62,Pass\n"
+                                  "Ben,Male,2018-01-09|2024-05-17 10:50,+0.50,-0.25,90,+0.50,-0.25,90,60,Pass\n";
+        m_device->writeFile(QStringLiteral("app/CAMCFG/result.txt"), before);
+        {
+            FileSizeLimit limit(16);
+            m_data->saveDeleteResult(QString::fromLatin1(before.left(before.indexOf('\n'))));
+        }
+        QCOMPARE(onDisk(), before);
+        QCOMPARE(QDir(historyDir()).entryList(QDir::Files), QStringList{QStringLiteral("result.txt")});
+    }
+
+    // --- appending ---
+
+    void firstSaveCreatesTheFileWithTheExactLine()
+    {
+        QVERIFY(!QDir(historyDir()).exists());
+        amysTest(*m_data);
+        LogCapture log;
+        m_data->saveTestResult();
+        const QByteArray line = "Amy,Female,2019-03-02|2024-05-17 10:42,-0.50,-0.75,85,+0.25,-0.00,5,62,Pass";
+        QCOMPARE(onDisk(), line + '\n');
+        QCOMPARE(m_data->m_strTestTime, QStringLiteral("2024-05-17 10:42"));
+        QVERIFY(log.contains(QString::fromLatin1(line)));
+    }
+
+    void appendIsOnTheDiskBeforeSaveReturns()
+    {
+        amysTest(*m_data);
+        m_data->saveTestResult();
+        m_data->m_strName = QStringLiteral("Ben");
+        s_syncs.clear();
+        m_data->saveTestResult();
+        // The sync must come after the whole line reached the file, not
+        // before the buffered write was pushed out.
+        const qint64 size = onDisk().size();
+        const bool synced = std::any_of(s_syncs.begin(), s_syncs.end(), [&](const Sync &sync) {
+            return sync.path == historyFile() && sync.size == size;
+        });
+        QVERIFY2(synced, "no sync of the complete history file");
+    }
+
+    void emptyVerdictLeavesTheLastFieldEmpty()
+    {
+        amysTest(*m_data);
+        m_data->m_nSex = 1;
+        m_data->m_strResult.clear();
+        m_data->saveTestResult();
+        QVERIFY(onDisk().startsWith("Amy,Male,2019-03-02|2024-05-17 10:42,"));
+        QVERIFY(onDisk().endsWith(",-0.00,5,62,\n"));
+    }
+
+    void twoTestsInOneMinuteGiveTwoRecords()
+    {
+        amysTest(*m_data);
+        m_data->saveTestResult();
+        m_nowMs += 20000;
+        m_data->m_strName = QStringLiteral("Ben");
+        m_data->m_strResult = QStringLiteral("Refer");
+        m_data->saveTestResult();
+        const QStringList lines = m_data->readTestResult().split(QLatin1Char('\n'));
+        QCOMPARE(lines.size(), 3);
+        QVERIFY(lines[0].startsWith(QLatin1String("Amy,Female,2019-03-02|2024-05-17 10:42,")));
+        QVERIFY(lines[1].startsWith(QLatin1String("Ben,Female,2019-03-02|2024-05-17 10:42,")));
+        QVERIFY(lines[1].endsWith(QLatin1String(",Refer")));
+        QCOMPARE(lines[2], QString());
+    }
+
+    void historyReadsBackAfterARestart()
+    {
+        const QString name = QString::fromUtf8("Jos\xc3\xa9 N\xc3\xba\xc3\xb1"
+                                               "ez");
+        {
+            GData before(nullptr);
+            amysTest(before);
+            before.m_strName = name;
+            before.saveTestResult();
+        }
+        const QString text = m_data->readTestResult();
+        QCOMPARE(text,
+                 name + QStringLiteral(",Female,2019-03-02|2024-05-17 10:42,-0.50,-0.75,85,+0.25,-0.00,5,62,Pass\n"));
+    }
+
+    // --- rewriting after a deletion ---
+
+    void rewriteReplacesTheWholeFile()
+    {
+        amysTest(*m_data);
+        for (const char *name : {"Amy", "Ben", "Cleo"}) {
+            m_data->m_strName = QString::fromLatin1(name);
+            m_data->saveTestResult();
+        }
+        const QStringList lines = m_data->readTestResult().split(QLatin1Char('\n'));
+        const QString remaining = lines[0] + QLatin1Char('\n') + lines[2];
+        m_data->saveDeleteResult(remaining);
+        QCOMPARE(m_data->readTestResult(), remaining);
+
+        m_data->saveDeleteResult(QString());
+        QVERIFY(QFile::exists(historyFile()));
+        QCOMPARE(QFileInfo(historyFile()).size(), 0);
+        QCOMPARE(QDir(historyDir()).entryList(QDir::Files), QStringList{QStringLiteral("result.txt")});
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHistory)
+#include "tst_history.moc"

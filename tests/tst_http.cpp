@@ -1,0 +1,461 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The blocking HTTP helpers against real local servers, and the choice of the device's hardware address.
+#include "common.h"
+#include "gdata.h"
+#include "macaddress.h"
+#include "testsupport.h"
+
+#include <QCryptographicHash>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QNetworkAccessManager>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <httplib.h>
+
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include <unistd.h>
+
+namespace {
+
+enum class Helper { Get, Post, Json, File, DataGet };
+
+// Every answer carries UTF-8 text, which the helpers must decode as such.
+const std::string kUtf8 = "A\xc3\xb1o \xe5\x8c\x97\xe4\xba\xac";
+const QByteArray kFormBody = QByteArrayLiteral("name=Ana&sex=1");
+const QByteArray kJsonBody = QByteArrayLiteral("{\"name\":\"Ana\",\"sex\":1}");
+const QByteArray kFormType = QByteArrayLiteral("application/x-www-form-urlencoded");
+
+#if defined(__SANITIZE_ADDRESS__)
+// From the sanitizer runtime; GCC does not install its header.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
+
+// AddressSanitizer keeps freed blocks in quarantine, so the resident set grows
+// with every byte that passed through; its allocator's live count is the measure.
+qint64 memoryInUse()
+{
+    return static_cast<qint64>(__sanitizer_get_current_allocated_bytes());
+}
+#else
+qint64 memoryInUse()
+{
+    std::ifstream statm("/proc/self/statm");
+    qint64 pages = 0;
+    qint64 resident = 0;
+    statm >> pages >> resident;
+    return resident * ::sysconf(_SC_PAGESIZE);
+}
+#endif
+
+// A port that was free a moment ago and that nobody listens on.
+quint16 refusingPort()
+{
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost);
+    return probe.serverPort();
+}
+
+QString urlOf(const QTcpServer &server)
+{
+    return QStringLiteral("http://127.0.0.1:%1/raw").arg(server.serverPort());
+}
+
+// Whether the client closed its connection to the server within the time.
+// Blocking calls only: they work on a thread whose event loop is not running.
+bool clientClosed(QTcpServer &server, int milliseconds)
+{
+    if (!server.hasPendingConnections())
+        server.waitForNewConnection(milliseconds);
+    QTcpSocket *peer = server.nextPendingConnection();
+    return peer && (peer->state() == QAbstractSocket::UnconnectedState || peer->waitForDisconnected(milliseconds));
+}
+
+struct SeenPart
+{
+    std::string name;
+    std::string filename;
+    std::string content; // fields only
+    qint64 size = 0;
+    QByteArray sha256;
+};
+
+struct SeenRequest
+{
+    std::string method;
+    std::string contentType;
+    std::string body;
+    std::vector<SeenPart> parts;
+    bool uploadFlagRaised = false;
+    qint64 peakMemory = 0;
+};
+
+// cpp-httplib on 127.0.0.1 and a free port, remembering the last request it saw.
+class TestServer
+{
+public:
+    TestServer()
+    {
+        m_server.set_keep_alive_timeout(1);
+        m_server.set_logger([this](const httplib::Request &, const httplib::Response &) { ++m_requests; });
+        const auto status = [this](const httplib::Request &request, httplib::Response &response) {
+            remember(request);
+            response.status = std::stoi(request.matches[1]);
+            response.set_content("status " + std::string(request.matches[1]) + " " + kUtf8,
+                                 "text/plain; charset=utf-8");
+        };
+        m_server.Get("/status/(\\d+)", status);
+        m_server.Post("/status/(\\d+)", status);
+        m_server.Get("/bytes", [](const httplib::Request &, httplib::Response &response) {
+            response.set_content(std::string("\x00\xff\xfe\x00 raw", 8), "application/octet-stream");
+        });
+        m_server.Post("/upload",
+                      [this](const httplib::Request &request, httplib::Response &response,
+                             const httplib::ContentReader &reader) { receiveUpload(request, reader, response); });
+        m_port = m_server.bind_to_any_port("127.0.0.1");
+        m_thread = std::thread([this] { m_server.listen_after_bind(); });
+    }
+
+    ~TestServer()
+    {
+        m_server.stop();
+        m_thread.join();
+    }
+
+    QString url(const char *path) const { return QStringLiteral("http://127.0.0.1:%1%2").arg(m_port).arg(path); }
+    int requests() const { return m_requests; }
+    SeenRequest last() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_last;
+    }
+
+private:
+    void remember(const httplib::Request &request, SeenRequest seen = SeenRequest())
+    {
+        seen.method = request.method;
+        seen.contentType = request.get_header_value("Content-Type");
+        seen.body = request.body;
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_last = std::move(seen);
+    }
+
+    // Parses the form while it arrives and keeps only a digest of each part,
+    // so that the process's memory shows what the client holds.
+    void receiveUpload(const httplib::Request &request, const httplib::ContentReader &reader,
+                       httplib::Response &response)
+    {
+        SeenRequest seen;
+        seen.uploadFlagRaised = common::uploadInProgress();
+        QCryptographicHash hash(QCryptographicHash::Sha256);
+        qint64 nextSample = 0;
+        const auto closePart = [&] {
+            if (!seen.parts.empty())
+                seen.parts.back().sha256 = hash.result();
+            hash.reset();
+        };
+        reader(
+            [&](const httplib::MultipartFormData &header) {
+                closePart();
+                seen.parts.push_back({header.name, header.filename, {}, 0, {}});
+                return true;
+            },
+            [&](const char *data, size_t length) {
+                SeenPart &part = seen.parts.back();
+                part.size += static_cast<qint64>(length);
+                hash.addData(data, static_cast<int>(length));
+                if (part.filename.empty())
+                    part.content.append(data, length);
+                if (part.size >= nextSample) {
+                    seen.peakMemory = std::max(seen.peakMemory, memoryInUse());
+                    nextSample = part.size + (1 << 20);
+                }
+                return true;
+            });
+        closePart();
+        seen.peakMemory = std::max(seen.peakMemory, memoryInUse());
+        remember(request, std::move(seen));
+        response.set_content("stored", "text/plain");
+    }
+
+    httplib::Server m_server;
+    std::thread m_thread;
+    int m_port = 0;
+    std::atomic<int> m_requests{0};
+    mutable std::mutex m_mutex;
+    SeenRequest m_last;
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Helper)
+
+class TestHttp : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestServer> m_server;
+    std::unique_ptr<common> m_common;
+    std::unique_ptr<GData> m_data;
+    QTemporaryDir m_dir;
+    QString m_smallFile;
+    const QMap<QString, QString> m_fields{{QStringLiteral("sex"), QStringLiteral("1")},
+                                          {QStringLiteral("name"), QStringLiteral("Ana")}};
+
+    // The GData variant answers in the buffer; it is handed in holding a marker.
+    QString call(Helper helper, const QString &url, int timeoutSeconds, QByteArray *buffer = nullptr)
+    {
+        switch (helper) {
+        case Helper::Get: return m_common->httpGetRequest(url, timeoutSeconds);
+        case Helper::Post: return m_common->httpPostRequest(url, kFormBody, timeoutSeconds);
+        case Helper::Json: return m_common->httpPostJsonRequest(url, kJsonBody, timeoutSeconds);
+        case Helper::File:
+            return m_common->httpPostRequestWithFile(url, timeoutSeconds, m_fields, QStringLiteral("video"),
+                                                     m_smallFile);
+        case Helper::DataGet: {
+            QByteArray local("untouched");
+            QByteArray &output = buffer ? *buffer : local;
+            return m_data->httpGetRequest(url, timeoutSeconds, output) ? QString::fromUtf8(output) : QString();
+        }
+        }
+        return QString();
+    }
+
+    bool managersLeft() const { return !m_common->findChildren<QNetworkAccessManager *>().isEmpty(); }
+
+private slots:
+    void initTestCase()
+    {
+        m_server = std::make_unique<TestServer>();
+        m_common = std::make_unique<common>();
+        m_data = std::make_unique<GData>(nullptr);
+        m_smallFile = m_dir.filePath(QStringLiteral("pupil_video.avi"));
+        QFile file(m_smallFile);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("RIFF small recording") == 20);
+    }
+
+    void cleanupTestCase()
+    {
+        m_data.reset();
+        m_common.reset();
+        m_server.reset();
+    }
+
+    // --- failure paths: refused, silent server, missing file ---
+
+    void noAnswerReturnsEmptyAndLeavesNothingBehind_data()
+    {
+        QTest::addColumn<Helper>("helper");
+        QTest::addColumn<bool>("silent");
+        const std::pair<const char *, Helper> helpers[] = {{"get", Helper::Get},
+                                                           {"post", Helper::Post},
+                                                           {"json", Helper::Json},
+                                                           {"file", Helper::File},
+                                                           {"gdata", Helper::DataGet}};
+        for (const auto &[name, helper] : helpers) {
+            QTest::addRow("%s, refused", name) << helper << false;
+            QTest::addRow("%s, silent server", name) << helper << true;
+        }
+    }
+
+    // A refused connection ends at once; a silent server at the time-out, with
+    // the request aborted.
+    void noAnswerReturnsEmptyAndLeavesNothingBehind()
+    {
+        QFETCH(Helper, helper);
+        QFETCH(bool, silent);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        const QString url = silent ? urlOf(server) : QStringLiteral("http://127.0.0.1:%1/").arg(refusingPort());
+        QByteArray buffer("untouched");
+        QString result = QStringLiteral("not called");
+        qint64 elapsed = 0;
+        bool closedBeforeDeletion = false;
+        bool managerAliveDuringWait = false;
+        // Called from a running event loop, as the GUI thread does: reply and
+        // manager are deleted only once control is back in that loop, so a
+        // connection closed before then was closed by the abort.
+        QEventLoop outer;
+        QTimer::singleShot(0, &outer, [&] {
+            QElapsedTimer clock;
+            clock.start();
+            result = call(helper, url, silent ? 1 : 10, &buffer);
+            elapsed = clock.elapsed();
+            closedBeforeDeletion = silent && clientClosed(server, 3000);
+            managerAliveDuringWait = helper == Helper::DataGet || managersLeft();
+            outer.quit();
+        });
+        outer.exec();
+
+        QVERIFY(result.isEmpty());
+        QCOMPARE(buffer, QByteArray("untouched"));
+        QVERIFY(!common::uploadInProgress());
+        if (silent) {
+            QVERIFY2(elapsed >= 900 && elapsed < 4000, QByteArray::number(elapsed));
+            QVERIFY(managerAliveDuringWait);
+            QVERIFY(closedBeforeDeletion);
+        } else {
+            QVERIFY2(elapsed < 5000, "waited for the time-out instead of the refusal");
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!managersLeft());
+    }
+
+    void unreadableFileSendsNothing()
+    {
+        const int before = m_server->requests();
+        QVERIFY(m_common
+                    ->httpPostRequestWithFile(m_server->url("/status/200"), 5, m_fields, QStringLiteral("video"),
+                                              m_dir.filePath(QStringLiteral("missing.avi")))
+                    .isEmpty());
+        QCOMPARE(m_server->requests(), before);
+    }
+
+    // --- the server answers ---
+
+    // Each helper's method, type and body reach the server, and the body of
+    // the answer comes back whatever its status.
+    void eachHelperSendsItsRequestAndReturnsTheBody_data()
+    {
+        QTest::addColumn<Helper>("helper");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QByteArray>("contentType");
+        QTest::addColumn<QByteArray>("sentBody");
+        QTest::newRow("get 404") << Helper::Get << 404 << "GET" << kFormType << QByteArray();
+        QTest::newRow("post 500") << Helper::Post << 500 << "POST" << kFormType << kFormBody;
+        QTest::newRow("json 200") << Helper::Json << 200 << "POST" << QByteArrayLiteral("application/json")
+                                  << kJsonBody;
+        QTest::newRow("file 404") << Helper::File << 404 << "POST"
+                                  << QByteArrayLiteral("multipart/form-data; boundary=") << QByteArray();
+        QTest::newRow("gdata 404") << Helper::DataGet << 404 << "GET" << kFormType << QByteArray();
+    }
+
+    void eachHelperSendsItsRequestAndReturnsTheBody()
+    {
+        QFETCH(Helper, helper);
+        QFETCH(int, status);
+        QFETCH(QString, method);
+        QFETCH(QByteArray, contentType);
+        QFETCH(QByteArray, sentBody);
+        QByteArray buffer("untouched");
+        const QString expected = QStringLiteral("status %1 ").arg(status) + QString::fromStdString(kUtf8);
+        const QString path = QStringLiteral("/status/%1").arg(status);
+        QCOMPARE(call(helper, m_server->url(path.toLatin1().constData()), 5, &buffer), expected);
+        if (helper == Helper::DataGet)
+            QCOMPARE(buffer, expected.toUtf8());
+
+        const SeenRequest seen = m_server->last();
+        QCOMPARE(QString::fromStdString(seen.method), method);
+        QVERIFY2(QByteArray::fromStdString(seen.contentType).startsWith(contentType), seen.contentType.c_str());
+        if (!sentBody.isNull())
+            QCOMPARE(QByteArray::fromStdString(seen.body), sentBody);
+        QVERIFY(!managersLeft());
+    }
+
+    void gdataGetKeepsBinaryBodies()
+    {
+        QByteArray buffer("untouched");
+        QVERIFY(m_data->httpGetRequest(m_server->url("/bytes"), 5, buffer));
+        QCOMPARE(buffer, QByteArray("\x00\xff\xfe\x00 raw", 8));
+    }
+
+    void uploadStreamsFieldsInKeyOrderAndTheFileUnchanged()
+    {
+        const QMap<QString, QString> fields{
+            {QStringLiteral("zeta"), QStringLiteral("last")},
+            {QStringLiteral("alpha"), QStringLiteral("first")},
+            {QStringLiteral("name"), QString::fromUtf8("Jos\xc3\xa9 N\xc3\xba\xc3\xb1\x65z")}};
+        const QString path = m_dir.filePath(QStringLiteral("large.avi"));
+        const qint64 size = qint64(50) << 20;
+        QCryptographicHash expected(QCryptographicHash::Sha256);
+        {
+            // Varying content, so a dropped, repeated or reordered block shows.
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            QByteArray block(1 << 20, '\0');
+            quint64 state = 0x9e3779b97f4a7c15ULL;
+            for (qint64 written = 0; written < size; written += block.size()) {
+                auto *words = reinterpret_cast<quint64 *>(block.data());
+                for (int i = 0; i < block.size() / 8; ++i) {
+                    state ^= state << 13;
+                    state ^= state >> 7;
+                    state ^= state << 17;
+                    words[i] = state;
+                }
+                expected.addData(block);
+                QCOMPARE(file.write(block), qint64(block.size()));
+            }
+        }
+        // Qt's network plug-ins and buffers come in with the first request;
+        // the baseline is taken after one.
+        QCOMPARE(call(Helper::File, m_server->url("/upload"), 10), QStringLiteral("stored"));
+        const qint64 baseline = memoryInUse();
+        const QString result =
+            m_common->httpPostRequestWithFile(m_server->url("/upload"), 20, fields, QStringLiteral("video"), path);
+        const qint64 atEnd = memoryInUse();
+        QCOMPARE(result, QStringLiteral("stored"));
+        QVERIFY(!common::uploadInProgress());
+
+        const SeenRequest seen = m_server->last();
+        QVERIFY(seen.uploadFlagRaised);
+        QCOMPARE(seen.parts.size(), size_t(4));
+        const QStringList names{QStringLiteral("alpha"), QStringLiteral("name"), QStringLiteral("zeta")};
+        for (int i = 0; i < names.size(); ++i) {
+            const SeenPart &part = seen.parts[size_t(i)];
+            QCOMPARE(QString::fromStdString(part.name), names[i]);
+            QVERIFY(part.filename.empty());
+            QCOMPARE(QByteArray::fromStdString(part.content), fields.value(names[i]).toUtf8());
+        }
+        const SeenPart &file = seen.parts.back();
+        QCOMPARE(QString::fromStdString(file.name), QStringLiteral("video"));
+        QCOMPARE(QString::fromStdString(file.filename), QStringLiteral("large.avi"));
+        QCOMPARE(file.size, size);
+        QCOMPARE(file.sha256, expected.result());
+
+        const qint64 peakGrowth = std::max(seen.peakMemory, atEnd) - baseline;
+        QVERIFY2(peakGrowth < (qint64(20) << 20), QByteArray::number(peakGrowth >> 10) + " KiB more in use");
+    }
+
+    // --- hardware address ---
+
+    void macAddressSkipsLoopbackAndKeepsOnlyAFind()
+    {
+        using macaddress::Interface;
+        const Interface lo{QStringLiteral("lo"), QStringLiteral("00:00:00:00:00:00"), true, true, true};
+        const Interface cable{QStringLiteral("eth0"), QStringLiteral("11:22:33:44:55:66"), false, false, false};
+        // Up but not yet running, as Wi-Fi is while it associates.
+        const Interface wlan{QStringLiteral("wlan0"), QStringLiteral("0a:1b:2c:3d:4e:5f"), true, false, false};
+        QVector<Interface> present{lo, cable};
+        int listings = 0;
+        const macaddress::Lister list = [&] {
+            ++listings;
+            return present;
+        };
+        const macaddress::LogSink log = [](const QString &) {
+        };
+        QString cache;
+        // Only loopback is up: nothing found, nothing kept, so the next call searches again.
+        QCOMPARE(macaddress::lookup(cache, list, log), QString());
+        present = {lo, wlan, cable};
+        QCOMPARE(macaddress::lookup(cache, list, log), QStringLiteral("0A:1B:2C:3D:4E:5F"));
+        QCOMPARE(listings, 2);
+        present = {lo};
+        QCOMPARE(macaddress::lookup(cache, list, log), QStringLiteral("0A:1B:2C:3D:4E:5F"));
+        QCOMPARE(listings, 2);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttp)
+#include "tst_http.moc"

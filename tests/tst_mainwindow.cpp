@@ -1,0 +1,525 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The main window: page navigation, idle screen-off and power-off, wake-up, battery label, patient details.
+#include "batterylevel.h"
+#include "cmdutil.h"
+#include "gdata.h"
+#include "maindialog.h"
+#include "simulatedworld.h"
+#include "systemclock.h"
+#include "testsupport.h"
+#include "uitestsupport.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+void pressMiddle(QWidget *box)
+{
+    pressButton(box, "buttonMiddle1");
+}
+
+void pressLeft(QWidget *box)
+{
+    pressButton(box, "buttonLeft1");
+}
+
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDevice> m_device;
+    std::unique_ptr<CmdUtil> m_cmd;
+    std::unique_ptr<GData> m_data;
+    std::unique_ptr<MainDialog> m_window;
+    qint64 m_nowMs = 0;
+
+    template <class T> T *widget(const char *name) const
+    {
+        T *found = m_window->findChild<T *>(QLatin1String(name));
+        if (!found)
+            qFatal("no widget %s", name);
+        return found;
+    }
+    QStackedWidget *base() const { return widget<QStackedWidget>("stackedWidgetBase"); }
+    QWidget *noMenuPage() const { return widget<QStackedWidget>("stackedWidgetNoMenu")->currentWidget(); }
+    void tick() { QMetaObject::invokeMethod(m_window.get(), "on_timer", Qt::DirectConnection); }
+    void advance(int seconds) { m_nowMs += 1000LL * seconds; }
+    void click(const char *name) { QTest::mouseClick(widget<QPushButton>(name), Qt::LeftButton); }
+    void pressKey(int key)
+    {
+        // QTest's key helpers know no power key, so the event is built by hand.
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(m_window.get(), &press);
+    }
+    bool poweredOff() const
+    {
+        const QStringList events = m_device->events();
+        return !events.isEmpty() && events.last().endsWith(QLatin1String(" poweroff"));
+    }
+
+    void openOnMenuPages()
+    {
+        base()->setCurrentIndex(MainDialog::BasePageMenu);
+        widget<QStackedWidget>("stackedWidgetMain")->setCurrentIndex(0);
+    }
+
+private slots:
+    void init()
+    {
+        m_device = std::make_unique<TestDevice>();
+        qputenv("ORVELLA_SIM_WIFI_JOIN_MS", "150");
+        SimulatedWorld::instance().reset();
+        m_nowMs = 1700000000000LL;
+        systemclock::setSourceForTesting([this] { return m_nowMs; });
+        m_cmd = std::make_unique<CmdUtil>();
+        m_data = std::make_unique<GData>(m_cmd.get());
+        m_data->Init(nullptr);
+        // As after the first network time: the tests that need otherwise say so.
+        m_data->m_bNetworkReady = 1;
+        g_pData = m_data.get();
+        m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
+        // The tests drive the 200 ms tick themselves.
+        widget<QTimer>("timerMain")->stop();
+        m_window->show();
+    }
+
+    void cleanup()
+    {
+        m_window.reset();
+        g_pData = nullptr;
+        m_data.reset();
+        m_cmd.reset();
+        systemclock::setSourceForTesting(nullptr);
+        qunsetenv("ORVELLA_SIM_WIFI_JOIN_MS");
+        m_device.reset();
+    }
+
+    // --- idle handling ---
+
+    void nothingIsTimedBeforeTheNetworkTime()
+    {
+        m_data->m_bNetworkReady = 0;
+        m_data->m_nScreenOffMinutes = 1;
+        m_data->m_nPowerOffMinutes = 1;
+        openOnMenuPages();
+        tick();
+        advance(3600);
+        tick();
+        QVERIFY(m_data->isScreenOn());
+        QVERIFY(!poweredOff());
+        // Once the time is known, idle time counts from the next tick only.
+        m_data->m_bNetworkReady = 1;
+        tick();
+        advance(60);
+        tick();
+        QVERIFY(!poweredOff());
+        advance(1);
+        tick();
+        QVERIFY(poweredOff());
+    }
+
+    void neverSettingsNeverDimOrPowerOff()
+    {
+        QCOMPARE(m_data->m_nScreenOffMinutes, -1);
+        QCOMPARE(m_data->m_nPowerOffMinutes, -1);
+        tick();
+        advance(48 * 3600);
+        tick();
+        QVERIFY(m_data->isScreenOn());
+        QVERIFY(m_device->events().isEmpty());
+    }
+
+    void powerOffWinsOverScreenOff()
+    {
+        m_data->m_nScreenOffMinutes = 1;
+        m_data->m_nPowerOffMinutes = 1;
+        LogCapture log;
+        tick();
+        const qint64 start = m_nowMs / 1000;
+        advance(60);
+        tick();
+        QVERIFY(!poweredOff());
+        QVERIFY(m_data->isScreenOn());
+        advance(1);
+        tick();
+        QVERIFY(poweredOff());
+        QVERIFY(m_data->isScreenOn());
+        QVERIFY(log.contains(QStringLiteral("shutdown 61 %1 1").arg(start)));
+    }
+
+    void screenGoesDarkThenATouchOnlyWakesIt()
+    {
+        m_data->m_nScreenOffMinutes = 1;
+        openOnMenuPages();
+        LogCapture log;
+        tick();
+        advance(61);
+        tick();
+        QVERIFY(!m_data->isScreenOn());
+        QVERIFY(log.contains(QStringLiteral("screenOff 61 ")));
+        QVERIFY(!poweredOff());
+
+        // The finger lands on "female": the screen wakes, the sex stays male.
+        click("buttonFemale");
+        QVERIFY(m_data->isScreenOn());
+        QCOMPARE(int(m_data->m_nSex), 1);
+        click("buttonFemale");
+        QCOMPARE(int(m_data->m_nSex), 0);
+    }
+
+    void touchesAndThePowerKeyPostponeTheTimers()
+    {
+        m_data->m_nPowerOffMinutes = 1;
+        openOnMenuPages();
+        tick();
+        advance(50);
+        click("buttonMale");
+        advance(50);
+        tick();
+        QVERIFY(!poweredOff());
+        advance(50);
+        pressKey(Qt::Key_PowerDown);
+        advance(50);
+        tick();
+        QVERIFY(!poweredOff());
+        advance(11);
+        tick();
+        QVERIFY(poweredOff());
+    }
+
+    void powerKeyWakesTheScreen()
+    {
+        m_data->screenOff();
+        pressKey(Qt::Key_PowerDown);
+        QVERIFY(m_data->isScreenOn());
+        // Escape must not close the device's only window.
+        pressKey(Qt::Key_Escape);
+        QVERIFY(m_window->isVisible());
+    }
+
+    void powerOffButtonAsksFirst()
+    {
+        openOnMenuPages();
+        {
+            ModalResponder no([](QWidget *box) {
+                QCOMPARE(messageText(box), QStringLiteral("Power Off"));
+                QTest::mouseClick(box->findChild<QPushButton *>(QStringLiteral("buttonRight1")), Qt::LeftButton);
+            });
+            click("buttonReboot");
+            QCOMPARE(no.count(), 1);
+        }
+        QVERIFY(!poweredOff());
+        SimulatedWorld::instance().irLight = true;
+        ModalResponder yes(pressLeft);
+        click("buttonReboot");
+        QVERIFY(poweredOff());
+        QVERIFY(!SimulatedWorld::instance().irLight);
+    }
+
+    // --- start page ---
+
+    void startPageWaitsForWifiThenGivesUp()
+    {
+        m_device->writeFile(QStringLiteral("sim/wifi/wpa_supplicant.conf"), "update_config=1\n");
+        LogCapture log;
+        for (int i = 0; i < 11; ++i)
+            tick();
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageStart));
+        QCOMPARE(m_data->m_nWifiChanged.load(), 0);
+        tick();
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageNoWifi));
+        QCOMPARE(m_data->m_nWifiChanged.load(), 1);
+        QVERIFY(log.contains(QStringLiteral("times = 11")));
+
+        // The no-Wi-Fi page then asks for fresh information every 27th
+        // tick; its count began with the tick that showed it.
+        m_data->m_nWifiChanged = 0;
+        for (int round = 0; round < 2; ++round) {
+            for (int i = 0; i < (round == 0 ? 25 : 26); ++i)
+                tick();
+            QCOMPARE(m_data->m_nWifiChanged.load(), 0);
+            tick();
+            QCOMPARE(m_data->m_nWifiChanged.load(), 1);
+            m_data->m_nWifiChanged = 0;
+        }
+    }
+
+    void startPageGoesToTheMenuOnceJoined()
+    {
+        // The simulated supplicant joins its saved network after the join time.
+        QTest::qWait(300);
+        tick();
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
+        QCOMPARE(widget<QStackedWidget>("stackedWidgetWithMenu")->currentWidget()->objectName(),
+                 QStringLiteral("pageInfoInput"));
+    }
+
+    // --- navigation ---
+
+    void everyPageIsReachableAndLeadsBack_data()
+    {
+        QTest::addColumn<QString>("row");
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("back");
+        QTest::newRow("Wi-Fi") << "buttonWifiSetting"
+                               << "pageWIFI"
+                               << "buttonWifiReturn";
+        QTest::newRow("time zone") << "buttonTimeZoneSetting"
+                                   << "pageTimeZone"
+                                   << "buttonTimeZoneReturn";
+        QTest::newRow("power timers") << "buttonSleepTimeSetting"
+                                      << "pageSleepTime"
+                                      << "buttonSleepTimeReturn";
+        QTest::newRow("region") << "buttonCountrySetting"
+                                << "pageCountry"
+                                << "buttonCountryReturn";
+        QTest::newRow("referral") << "buttonReferralSetting"
+                                  << "pageReferral"
+                                  << "buttonReferralReturn";
+        QTest::newRow("parameters") << "buttonParamSetting"
+                                    << "pageParam"
+                                    << "buttonParamReturn";
+        QTest::newRow("machine id") << "buttonMachineIDSetting"
+                                    << "pageMachineID"
+                                    << "buttonMachineIDReturn";
+    }
+
+    void everyPageIsReachableAndLeadsBack()
+    {
+        QFETCH(QString, row);
+        QFETCH(QString, page);
+        QFETCH(QString, back);
+        QTest::qWait(300); // joined, so the Wi-Fi page leads back to the settings
+        openOnMenuPages();
+        click("buttonSetup");
+        QCOMPARE(noMenuPage()->objectName(), QStringLiteral("pageSetup"));
+        click(row.toLatin1().constData());
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
+        QCOMPARE(noMenuPage()->objectName(), page);
+        click(back.toLatin1().constData());
+        QCOMPARE(noMenuPage()->objectName(), QStringLiteral("pageSetup"));
+        click("buttonSetupReturn");
+        QCOMPARE(widget<QStackedWidget>("stackedWidgetMain")->currentIndex(), 0);
+    }
+
+    void historyAndReferralSubPages()
+    {
+        openOnMenuPages();
+        click("buttonHistory");
+        QCOMPARE(noMenuPage()->objectName(), QStringLiteral("pageHistory"));
+        click("buttonHistoryReturn");
+        QCOMPARE(widget<QStackedWidget>("stackedWidgetMain")->currentIndex(), 0);
+
+        click("buttonSetup");
+        click("buttonReferralSetting");
+        auto *criteria = widget<QStackedWidget>("stackedWidgetReferral");
+        click("buttonArnold");
+        QCOMPARE(criteria->currentWidget()->objectName(), QStringLiteral("pageArnold"));
+        click("buttonArthur2");
+        QCOMPARE(criteria->currentWidget()->objectName(), QStringLiteral("pageArthur2"));
+        click("buttonMatta");
+        QCOMPARE(criteria->currentWidget()->objectName(), QStringLiteral("pageMatta"));
+    }
+
+    void noWifiPageLeadsToTheWifiSettings()
+    {
+        base()->setCurrentIndex(MainDialog::BasePageNoWifi);
+        m_device->writeFile(QStringLiteral("sim/wifi/wpa_supplicant.conf"), "update_config=1\n");
+        m_cmd->sendCommand(QStringLiteral("wpa_cli -i wlan0 reconfigure"));
+        click("buttonNoWifiSettings");
+        QCOMPARE(noMenuPage()->objectName(), QStringLiteral("pageWIFI"));
+        // Still not joined: back goes through the start page.
+        click("buttonWifiReturn");
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageStart));
+    }
+
+    // --- battery label ---
+
+    void batteryLevelsFollowThePercentage_data()
+    {
+        QTest::addColumn<int>("percent");
+        QTest::addColumn<int>("level");
+        const int table[][2] = {{100, 5}, {99, 4}, {80, 4}, {79, 3}, {60, 3}, {59, 2},
+                                {40, 2},  {39, 1}, {20, 1}, {19, 0}, {0, 0}};
+        for (const auto &row : table)
+            QTest::addRow("%d%%", row[0]) << row[0] << row[1];
+    }
+
+    void batteryLevelsFollowThePercentage()
+    {
+        QFETCH(int, percent);
+        QFETCH(int, level);
+        bool armed = false;
+        QCOMPARE(batterylevel::next(3, armed, percent, false).level, level);
+    }
+
+    void lowBatteryWarnsOnceUntilRecharged()
+    {
+        bool armed = true;
+        const struct
+        {
+            int percent;
+            bool warn;
+        } steps[] = {{50, false}, {19, true},  {18, false}, {25, false}, {19, false},
+                     {30, false}, {19, false}, {31, false}, {19, true},  {5, false}};
+        for (const auto &step : steps)
+            QCOMPARE(batterylevel::next(0, armed, step.percent, false).warn, step.warn);
+    }
+
+    void chargingClimbsFromItsFloor_data()
+    {
+        QTest::addColumn<int>("percent");
+        QTest::addColumn<QList<int>>("levels");
+        QTest::newRow("full") << 100 << QList<int>{5, 5, 5};
+        QTest::newRow("85%") << 85 << QList<int>{4, 5, 4, 5};
+        QTest::newRow("65%") << 65 << QList<int>{3, 4, 5, 3};
+        QTest::newRow("45%") << 45 << QList<int>{2, 3, 4, 5, 2};
+        QTest::newRow("25%") << 25 << QList<int>{1, 2, 3, 4, 5, 1};
+        QTest::newRow("10%, no floor") << 10 << QList<int>{0, 1, 2, 3, 4, 5, 0};
+    }
+
+    void chargingClimbsFromItsFloor()
+    {
+        QFETCH(int, percent);
+        QFETCH(QList<int>, levels);
+        bool armed = true;
+        int level = 5;
+        for (const int expected : levels) {
+            const batterylevel::Step step = batterylevel::next(level, armed, percent, true);
+            QCOMPARE(step.level, expected);
+            QVERIFY(!step.warn);
+            level = step.level;
+        }
+    }
+
+    void batteryLabelShowsTheLowBatteryBoxOnce()
+    {
+        openOnMenuPages();
+        SimulatedWorld::instance().batteryPercent = 19;
+        QStringList shown;
+        ModalResponder responder([&shown](QWidget *box) {
+            shown << messageText(box);
+            pressMiddle(box);
+        });
+        for (int i = 0; i < 7 * 3; ++i)
+            tick();
+        QCOMPARE(shown, QStringList{QStringLiteral("Low Battery/20% battery remaining")});
+        QCOMPARE(m_data->m_nBatteryLevel, 0);
+        QVERIFY(!widget<QLabel>("labelBattery")->pixmap(Qt::ReturnByValue).isNull());
+    }
+
+    // --- patient details ---
+
+    void newPatientStartsMaleWithPrompts()
+    {
+        QCOMPARE(int(m_data->m_nSex), 1);
+        QCOMPARE(m_data->m_dateBirthday, QDate(2020, 12, 31));
+        QCOMPARE(widget<QLineEdit>("editName")->text(), QStringLiteral("Please enter your name"));
+        QCOMPARE(widget<QLineEdit>("editDate")->text(), QStringLiteral("Year-Month-Date"));
+        click("buttonFemale");
+        QCOMPARE(int(m_data->m_nSex), 0);
+        click("buttonResultNext");
+        QCOMPARE(int(m_data->m_nSex), 1);
+    }
+
+    void secondPressOnTheNameKeepsIt()
+    {
+        openOnMenuPages();
+        auto *name = widget<QLineEdit>("editName");
+        const QPoint keypadPlace = m_window->mapToGlobal(QPoint(0, 350));
+        ModalResponder keypad([name, keypadPlace](QWidget *dialog) {
+            QCOMPARE(dialog->metaObject()->className(), "KeypadDlg");
+            QCOMPARE(dialog->pos(), keypadPlace);
+            if (name->text().isEmpty())
+                name->setText(QStringLiteral("Sam"));
+            dialog->close();
+        });
+        QTest::mouseClick(name, Qt::LeftButton);
+        QCOMPARE(name->text(), QStringLiteral("Sam"));
+        QTest::mouseClick(name, Qt::LeftButton);
+        QCOMPARE(keypad.count(), 2);
+        QCOMPARE(name->text(), QStringLiteral("Sam"));
+    }
+
+    void impossibleBirthdayIsRefused_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("valid");
+        QTest::newRow("30 February") << "2021-02-30" << false;
+        QTest::newRow("month 13") << "2019-13-01" << false;
+        QTest::newRow("no dashes") << "20190302" << false;
+        QTest::newRow("good") << "2019-03-02" << true;
+    }
+
+    void impossibleBirthdayIsRefused()
+    {
+        QFETCH(QString, typed);
+        QFETCH(bool, valid);
+        openOnMenuPages();
+        auto *date = widget<QLineEdit>("editDate");
+        QStringList messages;
+        ModalResponder responder([&](QWidget *dialog) {
+            if (QLatin1String(dialog->metaObject()->className()) == QLatin1String("NumKeypadDlg")) {
+                QCOMPARE(dialog->pos(), m_window->mapToGlobal(QPoint(0, 240)));
+                date->setText(typed);
+                dialog->close();
+            } else {
+                messages << messageText(dialog);
+                pressMiddle(dialog);
+            }
+        });
+        QTest::mouseClick(date, Qt::LeftButton);
+        if (valid) {
+            QVERIFY(messages.isEmpty());
+            QCOMPARE(m_data->m_dateBirthday, QDate(2019, 3, 2));
+            QCOMPARE(widget<QLineEdit>("editYear")->text(), QStringLiteral("2019"));
+            QCOMPARE(widget<QLineEdit>("editDay")->text(), QStringLiteral("2"));
+        } else {
+            QCOMPARE(messages, QStringList{QStringLiteral("Error/Date is not valid!")});
+            QVERIFY(!m_data->m_dateBirthday.isValid());
+        }
+    }
+
+    void screeningNeedsANameAndABirthday()
+    {
+        openOnMenuPages();
+        QStringList messages;
+        ModalResponder responder([&messages](QWidget *box) {
+            messages << messageText(box);
+            pressMiddle(box);
+        });
+        widget<QLineEdit>("editName")->setText(QStringLiteral("   "));
+        click("buttonCamera");
+        widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
+        widget<QLineEdit>("editDate")->setText(QStringLiteral("2021-02-30"));
+        click("buttonCamera");
+        QCOMPARE(messages, (QStringList{QStringLiteral("Error/User Name cannot be empry!"),
+                                        QStringLiteral("Error/Date is not valid!")}));
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
+
+        widget<QLineEdit>("editDate")->setText(QStringLiteral("2019-03-02"));
+        click("buttonCamera");
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageCamera));
+        QCOMPARE(m_data->m_strName, QStringLiteral("Amy"));
+        QCOMPARE(widget<QLabel>("labelNameValue")->text(), QStringLiteral("Amy"));
+        click("buttonCameraReturn");
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
+    }
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

@@ -1,0 +1,524 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Network time, the zone offset and the power-timer choices, against real time servers on loopback.
+#include "camcfg.h"
+#include "cmdutil.h"
+#include "gdata.h"
+#include "maindialog.h"
+#include "platform.h"
+#include "powertimers.h"
+#include "simulatedworld.h"
+#include "sntpclient.h"
+#include "sntppacket.h"
+#include "systemclock.h"
+#include "testsupport.h"
+#include "zonedlg.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QLayout>
+#include <QProcess>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QTest>
+#include <QTimer>
+#include <QUdpSocket>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <functional>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr qint64 kYearMs = 365LL * 24 * 3600 * 1000;
+
+QByteArray bytes(std::initializer_list<int> values)
+{
+    QByteArray result;
+    for (const int value : values)
+        result.append(char(value));
+    return result;
+}
+
+// A 48-byte server reply whose transmit timestamp says `ntpSeconds`; every
+// other byte is filler that must not be mistaken for it.
+QByteArray serverReply(quint32 ntpSeconds)
+{
+    QByteArray reply(48, char(0xA5));
+    for (int i = 0; i < 4; ++i)
+        reply[40 + i] = char(ntpSeconds >> (24 - 8 * i));
+    return reply;
+}
+
+// A UDP server on its own thread that takes one request and answers it with
+// the given datagrams, in order; with none it stays silent.
+class ScriptedServer
+{
+public:
+    explicit ScriptedServer(const QList<QByteArray> &replies)
+    {
+        m_fd = ::socket(AF_INET, SOCK_DGRAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        if (m_fd < 0 || ::bind(m_fd, reinterpret_cast<sockaddr *>(&address), length) != 0 ||
+            ::getsockname(m_fd, reinterpret_cast<sockaddr *>(&address), &length) != 0)
+            qFatal("cannot open a loopback UDP socket");
+        m_port = ntohs(address.sin_port);
+        m_thread = std::thread([this, replies] {
+            pollfd waiting{m_fd, POLLIN, 0};
+            char buffer[512];
+            sockaddr_in client{};
+            socklen_t size = sizeof client;
+            if (::poll(&waiting, 1, 5000) != 1)
+                return;
+            m_request =
+                QByteArray(buffer, int(qMax<ssize_t>(0, ::recvfrom(m_fd, buffer, sizeof buffer, 0,
+                                                                   reinterpret_cast<sockaddr *>(&client), &size))));
+            // All replies in one call, so that the client finds them pending side by side.
+            std::vector<mmsghdr> messages(size_t(replies.size()));
+            std::vector<iovec> parts(size_t(replies.size()));
+            for (size_t i = 0; i < messages.size(); ++i) {
+                parts[i] = {const_cast<char *>(replies[int(i)].constData()), size_t(replies[int(i)].size())};
+                messages[i] = mmsghdr{};
+                messages[i].msg_hdr = {&client, size, &parts[i], 1, nullptr, 0, 0};
+            }
+            ::sendmmsg(m_fd, messages.data(), unsigned(messages.size()), 0);
+        });
+    }
+    ~ScriptedServer()
+    {
+        request();
+        ::close(m_fd);
+    }
+    quint16 port() const { return m_port; }
+    // The request received, once the server is done with it.
+    QByteArray request()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+        return m_request;
+    }
+
+private:
+    int m_fd = -1;
+    quint16 m_port = 0;
+    QByteArray m_request;
+    std::thread m_thread;
+};
+
+// chronyd serving its own (the host's) time on 127.0.0.N:123, never setting
+// the host's clock (-x). Stopped by the pid it writes.
+class ChronyServer
+{
+public:
+    ~ChronyServer()
+    {
+        if (m_pid <= 0)
+            return;
+        ::kill(pid_t(m_pid), SIGTERM);
+        for (int i = 0; i < 50 && !gone(); ++i)
+            QTest::qWait(100);
+        if (!gone())
+            ::kill(pid_t(m_pid), SIGKILL);
+    }
+
+    // An address whose port 123 is free; empty with the reason when none can be bound.
+    static QString freeAddress(QString *reason)
+    {
+        for (int attempt = 0; attempt < 20; ++attempt) {
+            const QString address = QStringLiteral("127.0.0.%1").arg(100 + (getpid() + attempt) % 150);
+            QUdpSocket probe;
+            if (probe.bind(QHostAddress(address), 123))
+                return address;
+            *reason = QStringLiteral("port 123 cannot be bound on %1 (%2); the real NTP server needs root or "
+                                     "CAP_NET_BIND_SERVICE")
+                          .arg(address, probe.errorString());
+            if (probe.error() != QAbstractSocket::AddressInUseError)
+                break;
+        }
+        return QString();
+    }
+
+    // Empty on success, else what went wrong.
+    QString start(const TestDevice &device, const QString &address)
+    {
+        const QString chronyd = QStandardPaths::findExecutable("chronyd", {"/usr/sbin", "/sbin", "/usr/bin"});
+        if (chronyd.isEmpty())
+            return QStringLiteral("chronyd is not installed (scripts/setup installs it)");
+        const QString folder = device.root();
+        m_log = folder + QStringLiteral("/chronyd.log");
+        device.writeFile(QStringLiteral("chrony.conf"),
+                         QStringLiteral("local stratum 8\nallow 127.0.0.0/8\nbindaddress %1\nport 123\ncmdport 0\n"
+                                        "pidfile %2/chronyd.pid\ndriftfile %2/chronyd.drift\n")
+                             .arg(address, folder)
+                             .toUtf8());
+        // The daemon gives up root once started; it must still reach its log.
+        QFile::setPermissions(folder, QFile::permissions(folder) | QFile::ExeOther | QFile::ReadOther);
+        QProcess launcher;
+        launcher.start(chronyd, {"-x", "-f", folder + QStringLiteral("/chrony.conf"), "-L", "0", "-l", m_log});
+        if (!launcher.waitForFinished(10000) || launcher.exitCode() != 0)
+            return QStringLiteral("chronyd did not start: %1 %2").arg(QString::fromUtf8(launcher.readAll()), log());
+        for (int i = 0; i < 50 && m_pid <= 0; ++i) {
+            m_pid = TestDevice::readFile(folder + QStringLiteral("/chronyd.pid")).trimmed().toLongLong();
+            if (m_pid <= 0)
+                QTest::qWait(100);
+        }
+        return m_pid > 0 ? QString() : QStringLiteral("chronyd wrote no pid: %1").arg(log());
+    }
+
+    QString log() const { return QString::fromUtf8(TestDevice::readFile(m_log)); }
+
+private:
+    // A daemon that has left its parent may linger as a zombie until
+    // something reaps it; it answers no more requests either way.
+    bool gone() const
+    {
+        const QByteArray line = TestDevice::readFile(QStringLiteral("/proc/%1/stat").arg(m_pid));
+        const int end = line.lastIndexOf(')');
+        return end < 0 || line.mid(end + 2, 1) == "Z";
+    }
+
+    QString m_log;
+    qint64 m_pid = 0;
+};
+
+QPushButton *button(const QObject *parent, const char *name)
+{
+    auto *found = parent->findChild<QPushButton *>(QLatin1String(name));
+    if (!found)
+        qFatal("no button %s", name);
+    return found;
+}
+
+// Hands the next modal dialog to `respond`, which must close it; a dialog
+// still open afterwards is closed here and fails the test.
+void whenModalOpens(std::function<void(QWidget *)> respond)
+{
+    auto *poll = new QTimer(qApp);
+    auto deadline = std::make_shared<int>(200);
+    QObject::connect(poll, &QTimer::timeout, [poll, deadline, respond] {
+        QWidget *modal = QApplication::activeModalWidget();
+        if (!modal && --*deadline > 0)
+            return;
+        poll->stop();
+        poll->deleteLater();
+        if (!modal)
+            return;
+        respond(modal);
+        if (modal->isVisible()) {
+            modal->close();
+            QTest::qFail("the dialog was left open", __FILE__, __LINE__);
+        }
+    });
+    poll->start(10);
+}
+
+void clickIn(const QObject *parent, const char *name)
+{
+    QTest::mouseClick(button(parent, name), Qt::LeftButton);
+}
+
+} // namespace
+
+class TestNetworkTime : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDevice> m_device;
+    std::unique_ptr<CmdUtil> m_cmd;
+    std::unique_ptr<GData> m_data;
+    std::unique_ptr<MainDialog> m_window;
+    qint64 m_nowMs = 0;
+
+    void startDevice()
+    {
+        m_data = std::make_unique<GData>(m_cmd.get());
+        m_data->Init(nullptr);
+        g_pData = m_data.get();
+    }
+    void openWindow()
+    {
+        m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
+        m_window->findChild<QTimer *>(QStringLiteral("timerMain"))->stop();
+        m_window->show();
+    }
+    void click(const char *name) { clickIn(m_window.get(), name); }
+    void tick() { QMetaObject::invokeMethod(m_window.get(), "on_timer", Qt::DirectConnection); }
+    // The device's clock stopped at a known instant, as after the first network time.
+    void freezeClock()
+    {
+        m_nowMs = 1700000000000LL; // 2023-11-14 22:13:20 UTC
+        systemclock::setSourceForTesting([this] { return m_nowMs; });
+        m_data->m_bNetworkReady = 1;
+    }
+    static void pointAt(const QString &host, quint16 port)
+    {
+        Platform::instance().timeServer = host;
+        Platform::instance().timePort = port;
+    }
+    // A year wrong, so that any setting of the clock shows.
+    static void skewClock() { systemclock::setOffsetMSecs(-kYearMs); }
+    static qint64 clockErrorSecs() { return systemclock::nowSecs() - QDateTime::currentSecsSinceEpoch(); }
+    QString saved(int position) const
+    {
+        return QString::fromUtf8(TestDevice::readFile(m_device->configFile()))
+            .split(QLatin1Char('|'))
+            .value(position - 1);
+    }
+
+private slots:
+    void init()
+    {
+        m_device = std::make_unique<TestDevice>();
+        SimulatedWorld::instance().reset();
+        m_cmd = std::make_unique<CmdUtil>();
+        startDevice();
+        systemclock::setOffsetMSecs(0);
+    }
+
+    void cleanup()
+    {
+        m_window.reset();
+        g_pData = nullptr;
+        m_data.reset();
+        m_cmd.reset();
+        systemclock::setSourceForTesting(nullptr);
+        systemclock::setOffsetMSecs(0);
+        m_device.reset();
+    }
+
+    // --- exchanges with scripted servers ---
+
+    void silentServerLeavesTheClockAlone()
+    {
+        ScriptedServer silent({});
+        pointAt(QStringLiteral("127.0.0.1"), silent.port());
+        skewClock();
+        QElapsedTimer elapsed;
+        elapsed.start();
+        m_data->timerInternetTime();
+        // The reply is awaited for 3 s and no longer.
+        QVERIFY2(elapsed.elapsed() >= 2900 && elapsed.elapsed() < 6500, qPrintable(QString::number(elapsed.elapsed())));
+        QCOMPARE(systemclock::offsetMSecs(), -kYearMs);
+        QVERIFY(!m_data->m_bNetworkReady);
+        QCOMPARE(silent.request().left(1), QByteArray("\x1B")); // asked as a version 3 client
+    }
+
+    void replyTimeIsTaken_data()
+    {
+        QTest::addColumn<QList<QByteArray>>("datagrams");
+        // Short, the reply's missing bytes count as zero.
+        QTest::newRow("five bytes") << QList<QByteArray>{bytes({0xF4, 0xEA, 0x31, 0x80, 0x42})};
+        QTest::newRow("the last of several counts")
+            << QList<QByteArray>{serverReply(0xE8FE6F80), serverReply(0xF4EA3180)};
+    }
+
+    void replyTimeIsTaken()
+    {
+        QFETCH(QList<QByteArray>, datagrams);
+        ScriptedServer server(datagrams);
+        pointAt(QStringLiteral("127.0.0.1"), server.port());
+        m_data->updateTimeFromeWeb();
+        QVERIFY2(qAbs(systemclock::nowSecs() - 1900000000) <= 1, qPrintable(QString::number(systemclock::nowSecs())));
+        QVERIFY(m_data->m_bNetworkReady);
+    }
+
+    // --- real servers ---
+
+    void chronySetsTheDeviceClock()
+    {
+        QString reason;
+        const QString address = ChronyServer::freeAddress(&reason);
+        if (address.isEmpty())
+            QSKIP(qPrintable(reason));
+        ChronyServer chrony;
+        const QString failure = chrony.start(*m_device, address);
+        QVERIFY2(failure.isEmpty(), qPrintable(failure));
+
+        pointAt(address, 123);
+        skewClock();
+        QVERIFY(!m_data->m_bNetworkReady);
+        // The daemon may still be settling in for the first request.
+        for (int attempt = 0; attempt < 3 && !m_data->m_bNetworkReady; ++attempt)
+            m_data->timerInternetTime();
+        QVERIFY2(m_data->m_bNetworkReady, qPrintable(chrony.log()));
+        QVERIFY2(qAbs(clockErrorSecs()) <= 1, qPrintable(QString::number(clockErrorSecs())));
+
+        // Known once, the time is not asked for again: a wrong clock stays wrong.
+        skewClock();
+        m_data->timerInternetTime();
+        QCOMPARE(systemclock::offsetMSecs(), -kYearMs);
+    }
+
+    void simulatorTimeServerAnswersTheWindow()
+    {
+        QProcess server;
+        server.start(QStringLiteral(ORVELLA_TIMESERVER), {"--address", "127.0.0.1", "--port", "0"});
+        QVERIFY(server.waitForReadyRead(5000));
+        const QByteArray listening = server.readLine().trimmed();
+        const quint16 port = quint16(listening.mid(listening.lastIndexOf(':') + 1).toUInt());
+        const QByteArray request = sntppacket::buildRequest(systemclock::nowSecs());
+        QByteArray reply;
+        QVERIFY(sntpclient::exchange(QStringLiteral("127.0.0.1"), port, request, reply));
+        QCOMPARE(reply.at(0) & 0x3F, (3 << 3) | 4); // version 3 as asked, server mode
+        QCOMPARE(reply.mid(24, 8).toHex(), request.mid(40, 8).toHex());
+
+        // The window asks on a worker until the time is known, then stops.
+        pointAt(QStringLiteral("127.0.0.1"), port);
+        skewClock();
+        openWindow();
+        auto *timer = m_window->findChild<QTimer *>(QStringLiteral("timerInternetTime"));
+        QVERIFY(timer->isActive());
+        QMetaObject::invokeMethod(m_window.get(), "timerInternetTime", Qt::DirectConnection);
+        QTRY_VERIFY_WITH_TIMEOUT(m_data->m_bNetworkReady, 5000);
+        QVERIFY2(qAbs(clockErrorSecs()) <= 1, qPrintable(QString::number(clockErrorSecs())));
+        QMetaObject::invokeMethod(m_window.get(), "timerInternetTime", Qt::DirectConnection);
+        QVERIFY(!timer->isActive());
+        server.kill();
+        server.waitForFinished(3000);
+    }
+
+    // --- time zones ---
+
+    void zoneOffsetShiftsTheLocalTime()
+    {
+        freezeClock();
+        for (const auto &[zone, offset] : {std::make_pair("5.5", 19800), std::make_pair("-11", -39600)}) {
+            m_data->m_strTimeZone = QLatin1String(zone);
+            QCOMPARE(m_data->getLocalTime().toMSecsSinceEpoch() - m_nowMs, offset * 1000LL);
+        }
+    }
+
+    void zoneDialogListsEveryZoneInOrder()
+    {
+        const QStringList expected = {
+            "0|UTC+00: Universal Coordinated Time",
+            "1|UTC+01: European Central Time",
+            "2|UTC+02: Eastern European Time",
+            "3|UTC+03: Eastern African Time",
+            "4|UTC+04: Near East Time",
+            "5|UTC+05: Pakistan Lahore Time",
+            "5.5|UTC+5.5: Indian Standard Time",
+            "6|UTC+06: Bangladesh Standard Time",
+            "7|UTC+07: Vietnam Standard Time",
+            "8|UTC+08: China Standard Time",
+            "9|UTC+09: Japan Standard Time",
+            "10|UTC+10: Australia Eastern Time",
+            "11|UTC+11: Solomon Standard Time",
+            "12|UTC+12: New Zealand Standard Time",
+            "-1|UTC-01: Central African Time",
+            "-2|UTC-02: Noronha Standard Time",
+            "-3|UTC-03: Brazil Eastern Time",
+            "-4|UTC-04: Virgin Islands Time",
+            "-5|UTC-05: Eastern Standard Time",
+            "-6|UTC-06: Central Standard Time",
+            "-7|UTC-07: Mountain Standard Time",
+            "-8|UTC-08: Pacific Standard Time",
+            "-9|UTC-09: Alaska Standard Time",
+            "-10|UTC-10: Hawaii Standard Time",
+            "-11|UTC-11: Midway Islands Time",
+        };
+        ZoneDlg dialog;
+        QLayout *list = dialog.findChild<QWidget *>(QStringLiteral("widgetZones"))->layout();
+        QStringList shown;
+        for (int i = 0; i < list->count(); ++i) {
+            auto *zone = qobject_cast<QPushButton *>(list->itemAt(i)->widget());
+            QVERIFY(zone);
+            shown << zone->property("zone").toString() + QLatin1Char('|') + zone->text();
+        }
+        QCOMPARE(shown, expected);
+        // A zone that is not in the list is shown as stored.
+        QCOMPARE(ZoneDlg::zoneLabel(QStringLiteral("3.5")), QStringLiteral("3.5"));
+    }
+
+    void choosingAZoneIsSavedAndShown()
+    {
+        freezeClock();
+        openWindow();
+        click("buttonSetup");
+        click("buttonTimeZoneSetting");
+        whenModalOpens([](QWidget *dialog) {
+            QVERIFY(button(dialog, "buttonZone0")->isChecked());
+            // The list's scroller holds a press back to tell a tap from a
+            // drag, so the zone is tapped through the button itself.
+            button(dialog, "buttonZone6")->click();
+        });
+        click("buttonTimeZone");
+        QCOMPARE(m_data->m_strTimeZone, QStringLiteral("5.5"));
+        QCOMPARE(saved(CamCfg::TimeZone), QStringLiteral("5.5"));
+        QCOMPARE(button(m_window.get(), "buttonTimeZone")->text(), QStringLiteral("UTC+5.5: Indian Standard Time"));
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("labelTimeZoneTimeValue"))->text(),
+                 QStringLiteral("2023-11-15 03:43"));
+    }
+
+    // --- power timers ---
+
+    void timerSettingBecomesMinutes_data()
+    {
+        QTest::addColumn<QString>("setting");
+        QTest::addColumn<int>("minutes");
+        QTest::newRow("Never") << "Never" << -1;
+        QTest::newRow("1 Hour") << "1 Hour" << 60;
+        QTest::newRow("factory -1") << "-1" << -1;
+        QTest::newRow("a number") << "15" << 15;
+        QTest::newRow("garbage") << "soon" << -1;
+        QTest::newRow("zero would fire at once") << "0" << -1;
+    }
+
+    void timerSettingBecomesMinutes()
+    {
+        QFETCH(QString, setting);
+        QFETCH(int, minutes);
+        QCOMPARE(powertimers::minutesFromSetting(setting), minutes);
+    }
+
+    void neverIsStoredAsTextAndNeverPowersOff()
+    {
+        freezeClock();
+        openWindow();
+        click("buttonSetup");
+        click("buttonSleepTimeSetting");
+        QCOMPARE(button(m_window.get(), "buttonClockShutdown")->text(), QStringLiteral("Never"));
+        whenModalOpens([](QWidget *dialog) {
+            QVERIFY(button(dialog, "buttonNever")->isChecked());
+            clickIn(dialog, "buttonNever");
+        });
+        click("buttonClockShutdown");
+        whenModalOpens([](QWidget *dialog) { clickIn(dialog, "button1M"); });
+        click("buttonClockScreen");
+        QCOMPARE(saved(CamCfg::ScreenOffMinutes), QStringLiteral("1 Minute"));
+        QCOMPARE(saved(CamCfg::PowerOffMinutes), QStringLiteral("Never"));
+        QCOMPARE(m_data->m_nPowerOffMinutes, -1);
+
+        // The idle timers run (the screen goes dark), the power stays on.
+        tick();
+        m_nowMs += 61 * 1000;
+        tick();
+        QVERIFY(!m_data->isScreenOn());
+        m_nowMs += 48LL * 3600 * 1000;
+        tick();
+        for (const QString &event : m_device->events())
+            QVERIFY2(!event.endsWith(QLatin1String(" poweroff")), qPrintable(event));
+
+        // After a restart the choices are read back.
+        m_window.reset();
+        startDevice();
+        QCOMPARE(m_data->m_nScreenOffMinutes, 1);
+        QCOMPARE(m_data->m_nPowerOffMinutes, -1);
+    }
+};
+
+QTEST_MAIN(TestNetworkTime)
+#include "tst_networktime.moc"

@@ -1,0 +1,431 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// A screening session on the camera page: aiming guidance, automatic and manual capture, and its end.
+#include "analysisserver.h"
+#include "avilib.h"
+#include "cmdutil.h"
+#include "gdata.h"
+#include "maindialog.h"
+#include "platform.h"
+#include "simulatedcamera.h"
+#include "simulatedworld.h"
+#include "systemclock.h"
+#include "testsupport.h"
+#include "uitestsupport.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTest>
+#include <QTimer>
+
+#include <memory>
+
+class TestSession : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDevice> m_device;
+    std::unique_ptr<CmdUtil> m_cmd;
+    std::unique_ptr<GData> m_data;
+    std::unique_ptr<MainDialog> m_window;
+
+    template <class T> T *widget(const char *name) const
+    {
+        T *found = m_window->findChild<T *>(QLatin1String(name));
+        if (!found)
+            qFatal("no widget %s", name);
+        return found;
+    }
+    QLabel *label(const char *name) const { return widget<QLabel>(name); }
+    bool shown(const char *name) const { return label(name)->isVisibleTo(m_window.get()); }
+    void tick() { QMetaObject::invokeMethod(m_window.get(), "on_timer", Qt::DirectConnection); }
+    void click(const char *name) { QTest::mouseClick(widget<QPushButton>(name), Qt::LeftButton); }
+
+    void aim(int distance, int pitch, int brightness)
+    {
+        m_data->m_nDistance = distance;
+        m_data->m_nPitch = pitch;
+        m_data->m_nPreviewBrightness = static_cast<unsigned int>(brightness);
+    }
+
+    // From the details page to the camera page, as the operator does it.
+    void openCameraPage()
+    {
+        widget<QStackedWidget>("stackedWidgetBase")->setCurrentIndex(MainDialog::BasePageMenu);
+        widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
+        widget<QLineEdit>("editDate")->setText(QStringLiteral("2019-03-02"));
+        click("buttonCamera");
+        QCOMPARE(widget<QStackedWidget>("stackedWidgetBase")->currentIndex(), int(MainDialog::BasePageCamera));
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+    }
+
+    // A small but well-formed recording where the device keeps it.
+    void writeRecording()
+    {
+        avi_t *file = AVI_open_output_file(QFile::encodeName(Platform::instance().recordingFile).constData());
+        QVERIFY(file);
+        AVI_set_video(file, 1920, 1080, 15.0, "H264");
+        const char frame[] = "\x00\x00\x00\x01\x65 a frame";
+        QCOMPARE(AVI_write_frame(file, frame, sizeof frame, 1), 0);
+        QCOMPARE(AVI_close(file), 0);
+    }
+
+    // The analysis server of the simulator, on this test's own address.
+    std::unique_ptr<AnalysisServer> startServer()
+    {
+        auto server = std::make_unique<AnalysisServer>();
+        Platform::instance().analysisHostUs = QStringLiteral("127.0.0.47");
+        if (!server->start(QStringLiteral("127.0.0.47")))
+            return nullptr;
+        return server;
+    }
+
+    QString history() const
+    {
+        return QString::fromUtf8(TestDevice::readFile(m_device->appDir() + QStringLiteral("/CAMCFG/result.txt")));
+    }
+
+private slots:
+    void init()
+    {
+        m_device = std::make_unique<TestDevice>();
+        SimulatedWorld::instance().reset();
+        SimulatedCamera::instance().resetFaults();
+        SimulatedCamera::instance().setPaced(false);
+        m_cmd = std::make_unique<CmdUtil>();
+        m_data = std::make_unique<GData>(m_cmd.get());
+        m_data->Init(nullptr);
+        m_data->m_bNetworkReady = 1;
+        g_pData = m_data.get();
+        m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
+        widget<QTimer>("timerMain")->stop();
+        m_window->show();
+    }
+
+    void cleanup()
+    {
+        m_window.reset();
+        g_pData = nullptr;
+        m_data.reset();
+        m_cmd.reset();
+        m_device.reset();
+    }
+
+    // --- the session cannot start ---
+
+    void noNetworkTimeNoCamera()
+    {
+        m_data->m_bNetworkReady = 0;
+        widget<QStackedWidget>("stackedWidgetBase")->setCurrentIndex(MainDialog::BasePageMenu);
+        widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
+        QStringList messages;
+        ModalResponder answer([&messages](QWidget *box) {
+            messages << messageText(box);
+            pressButton(box, "buttonMiddle1");
+        });
+        click("buttonCamera");
+        QCOMPARE(messages, QStringList{QStringLiteral("Error/Network is not ready!")});
+        QCOMPARE(m_data->m_nCameraMode.load(), 0);
+    }
+
+    void missingCameraIsReported()
+    {
+        SimulatedCamera::instance().setPresent(false);
+        widget<QStackedWidget>("stackedWidgetBase")->setCurrentIndex(MainDialog::BasePageMenu);
+        widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
+        widget<QLineEdit>("editDate")->setText(QStringLiteral("2019-03-02"));
+        QStringList messages;
+        ModalResponder answer([&messages](QWidget *box) {
+            messages << messageText(box);
+            pressButton(box, "buttonMiddle1");
+        });
+        click("buttonCamera");
+        QCOMPARE(messages, QStringList{QStringLiteral("Error/Camera Open Failed!")});
+        QCOMPARE(widget<QStackedWidget>("stackedWidgetBase")->currentIndex(), int(MainDialog::BasePageMenu));
+    }
+
+    // --- aiming guidance ---
+
+    void distanceLimits_data()
+    {
+        QTest::addColumn<int>("distance");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<bool>("good");
+        QTest::newRow("no reading") << 0 << "---" << false;
+        QTest::newRow("94") << 94 << "94" << false;
+        QTest::newRow("95") << 95 << "95" << true;
+        QTest::newRow("100") << 100 << "100" << true;
+        QTest::newRow("101") << 101 << "101" << false;
+        QTest::newRow("250 shows 200") << 250 << "200" << false;
+    }
+
+    void distanceLimits()
+    {
+        QFETCH(int, distance);
+        QFETCH(QString, shown);
+        QFETCH(bool, good);
+        openCameraPage();
+        aim(distance, 0, 5);
+        tick();
+        QCOMPARE(this->shown("labelDistanceValue"), good);
+        QCOMPARE(this->shown("labelDistanceValueRed"), !good);
+        QCOMPARE(label(good ? "labelDistanceValue" : "labelDistanceValueRed")->text(), shown);
+        QCOMPARE(this->shown("labelLineC1_2"), good);
+    }
+
+    void pitchLimitsAndTheLevelMark_data()
+    {
+        QTest::addColumn<int>("pitch");
+        QTest::addColumn<bool>("good");
+        QTest::newRow("-8") << -8 << false;
+        QTest::newRow("-7") << -7 << true;
+        QTest::newRow("7") << 7 << true;
+        QTest::newRow("8") << 8 << false;
+        QTest::newRow("60, off the scale") << 60 << false;
+    }
+
+    void pitchLimitsAndTheLevelMark()
+    {
+        QFETCH(int, pitch);
+        QFETCH(bool, good);
+        openCameraPage();
+        aim(97, pitch, 5);
+        tick();
+        QCOMPARE(shown("labelPitchValue"), good);
+        QCOMPARE(label(good ? "labelPitchValue" : "labelPitchValueRed")->text(),
+                 QString::number(pitch) + QStringLiteral("°"));
+        QCOMPARE(shown("labelLineRB1_2"), good);
+        // With a good aim the level mark gives way to the good-aim marks.
+        QCOMPARE(shown("labelLineDOF"), !good && pitch <= 59);
+        if (!good && pitch <= 59) {
+            const QRect mark = label("labelLineDOF")->geometry();
+            QCOMPARE(mark.top(), 188 - (5 * pitch) / 2);
+            QCOMPARE(mark.height(), 4);
+            QCOMPARE(mark.left(), 400);
+            QCOMPARE(mark.width(), 474);
+        }
+    }
+
+    void brightnessLimitUnlessTheLightIsOn()
+    {
+        openCameraPage();
+        aim(97, 0, 19);
+        tick();
+        QVERIFY(shown("labelBrightnessValue"));
+        aim(97, 0, 20);
+        tick();
+        QVERIFY(shown("labelBrightnessValueRed"));
+        QVERIFY(!shown("labelLineC1_2"));
+        m_data->m_bTorchOn = 1;
+        tick();
+        QVERIFY(shown("labelBrightnessValue"));
+        QVERIFY(shown("labelLineC1_2"));
+        m_data->m_bTorchOn = 0;
+    }
+
+    // --- capture ---
+
+    void elevenSteadyTicksCapture()
+    {
+        m_data->m_bAutoCapture = 1;
+        openCameraPage();
+        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO ON"));
+        aim(97, 0, 5);
+        for (int i = 0; i < 10; ++i)
+            tick();
+        // One bad tick: the count starts again.
+        aim(101, 0, 5);
+        tick();
+        aim(97, 0, 5);
+        for (int i = 0; i < 10; ++i)
+            tick();
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+        tick();
+        QCOMPARE(m_data->m_nCameraMode.load(), 2);
+        QVERIFY(!widget<QPushButton>("buttonPhoto")->isEnabled());
+        QVERIFY(!widget<QPushButton>("buttonCameraReturn")->isEnabled());
+        QVERIFY(shown("labelNameCameraClock"));
+        QCOMPARE(label("labelNameCameraClock")->text(), QStringLiteral("3"));
+        QVERIFY(QFile::exists(Platform::instance().recordingFile));
+    }
+
+    void autoCaptureOffNeverCaptures()
+    {
+        openCameraPage();
+        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO OFF"));
+        aim(97, 0, 5);
+        for (int i = 0; i < 30; ++i)
+            tick();
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+        // The switch is a setting, saved at once.
+        click("buttonFocusAuto");
+        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO ON"));
+        QVERIFY(TestDevice::readFile(m_device->configFile()).contains("|||1|"));
+    }
+
+    void manualCaptureChecksPitchAndLightOnly()
+    {
+        openCameraPage();
+        QStringList messages;
+        ModalResponder answer([&messages](QWidget *box) {
+            messages << messageText(box);
+            pressButton(box, "buttonMiddle1");
+        });
+        aim(150, 9, 5);
+        click("buttonPhoto");
+        aim(150, 0, 30);
+        click("buttonPhoto");
+        QCOMPARE(messages, (QStringList{QStringLiteral("Please move the cross sign to the center"),
+                                        QStringLiteral("Please lower the ambient brightness to below 20")}));
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+        // The distance is the operator's call.
+        aim(150, 0, 5);
+        click("buttonPhoto");
+        QCOMPARE(m_data->m_nCameraMode.load(), 2);
+    }
+
+    void aimingLightNeedsADarkRoom()
+    {
+        openCameraPage();
+        QStringList messages;
+        ModalResponder answer([&messages](QWidget *box) {
+            messages << messageText(box);
+            pressButton(box, "buttonMiddle1");
+        });
+        aim(97, 0, 40);
+        click("buttonFlash");
+        QVERIFY(!m_data->m_bTorchOn);
+        aim(97, 0, 10);
+        click("buttonFlash");
+        QVERIFY(m_data->m_bTorchOn);
+        QVERIFY(SimulatedWorld::instance().irLight);
+        QCOMPARE(messages, QStringList{QStringLiteral("Please lower the ambient brightness to below 20")});
+        // Leaving the page puts the light out and stops aiming.
+        click("buttonCameraReturn");
+        QVERIFY(!SimulatedWorld::instance().irLight);
+        QCOMPARE(m_data->m_nCameraMode.load(), 0);
+    }
+
+    // --- the end of a recording ---
+
+    void failedAnalysisReturnsToAiming_data()
+    {
+        QTest::addColumn<int>("fault");
+        QTest::addColumn<QString>("message");
+        using Fault = AnalysisServer::Fault;
+        QTest::newRow("no answer") << int(Fault::NoAnswer) << "No response from the analysis server.";
+        QTest::newRow("empty reply") << int(Fault::EmptyReply) << "No response from the analysis server.";
+        QTest::newRow("HTTP 500") << int(Fault::ServerError) << "The analysis server's answer could not be read.";
+        QTest::newRow("short reply") << int(Fault::ShortReply) << "The analysis server's answer could not be read.";
+    }
+
+    void failedAnalysisReturnsToAiming()
+    {
+        QFETCH(int, fault);
+        QFETCH(QString, message);
+        auto server = startServer();
+        if (!server)
+            QSKIP("cannot listen on 127.0.0.47:15000");
+        server->setFault(static_cast<AnalysisServer::Fault>(fault));
+        server->setSilenceMs(2500);
+        m_data->m_nUploadTimeoutSeconds = 1;
+        openCameraPage();
+        aim(97, 0, 5);
+        click("buttonPhoto");
+        writeRecording();
+        QStringList messages;
+        ModalResponder answer([&messages](QWidget *dialog) {
+            // The progress dialog closes by itself; the error box is answered.
+            if (QLatin1String(dialog->metaObject()->className()) == QLatin1String("MsgDialog")) {
+                messages << messageText(dialog);
+                pressButton(dialog, "buttonMiddle1");
+            }
+        });
+        QMetaObject::invokeMethod(m_window.get(), "video_thread_slot", Qt::DirectConnection, Q_ARG(int, 0));
+        QCOMPARE(messages, QStringList{QStringLiteral("Error/") + message});
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+        QCOMPARE(widget<QStackedWidget>("stackedWidgetBase")->currentIndex(), int(MainDialog::BasePageCamera));
+        for (const char *button : {"buttonFocusAuto", "buttonFlash", "buttonPhoto", "buttonCameraReturn"})
+            QVERIFY2(widget<QPushButton>(button)->isEnabled(), button);
+        QCOMPARE(history(), QString());
+    }
+
+    void wholeScreeningSavesOneRecord()
+    {
+        auto server = startServer();
+        if (!server)
+            QSKIP("cannot listen on 127.0.0.47:15000");
+        SimulatedWorld::Refraction refraction;
+        refraction.osSphere = -2.5;
+        refraction.odSphere = -0.75;
+        refraction.osCylinder = -1.25;
+        refraction.odCylinder = 0.25;
+        refraction.pupilDistance = 61;
+        refraction.osAxis = 44;
+        refraction.odAxis = 120;
+        SimulatedWorld::instance().setRefraction(refraction);
+        // The real threads this time, with the camera at its own pace.
+        m_window.reset();
+        SimulatedCamera::instance().setPaced(true);
+        m_window = std::make_unique<MainDialog>();
+        widget<QTimer>("timerMain")->stop();
+        m_window->show();
+        // The warm-up recording of the start first.
+        QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 2, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 0, 15000);
+
+        m_data->m_bAutoCapture = 1;
+        click("buttonFemale");
+        openCameraPage();
+        SimulatedWorld::instance().childDistanceMm = 1080;
+        SimulatedWorld::instance().pitchDegrees = 0;
+        SimulatedWorld::instance().ambientLight = 5;
+        QTimer ticks;
+        connect(&ticks, &QTimer::timeout, this, [this] { tick(); });
+        ticks.start(200);
+        QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 2, 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(widget<QStackedWidget>("stackedWidgetWithMenu")->currentWidget()->objectName() ==
+                                     QLatin1String("pageResult"),
+                                 30000);
+        ticks.stop();
+        QCOMPARE(server->requestCount(), 1);
+
+        // Arnold (the factory choice), 7 years: the -2.50 sphere refers.
+        QVERIFY(shown("labelResultRefer"));
+        QVERIFY(!shown("labelResultPass"));
+        const QStringList lines = history().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 1);
+        const QStringList fields = lines.at(0).split(QLatin1Char(','));
+        QCOMPARE(fields.size(), 11);
+        QCOMPARE(fields.at(0), QStringLiteral("Amy"));
+        QCOMPARE(fields.at(1), QStringLiteral("Female"));
+        QVERIFY(fields.at(2).startsWith(QLatin1String("2019-03-02|")));
+        QCOMPARE(fields.mid(3), (QStringList{"-0.75", "+0.25", "5", "-2.50", "-1.25", "49", "61", "Refer"}));
+        QCOMPARE(label("labelResultODSph")->text(), QStringLiteral("-0.75"));
+        QCOMPARE(label("labelResultOSAxis")->text(), QStringLiteral("49"));
+    }
+
+    void countdownFollowsTheRecording()
+    {
+        openCameraPage();
+        aim(97, 0, 5);
+        click("buttonPhoto");
+        qint64 now = 1700000000;
+        systemclock::setSourceForTesting([&now] { return now * 1000; });
+        m_data->m_nRecordStartTime = now;
+        const char *expected[] = {"3", "2", "1", "1"};
+        for (int second = 0; second < 4; ++second) {
+            now = 1700000000 + second;
+            QMetaObject::invokeMethod(m_window.get(), "camera_thread_slot", Qt::DirectConnection, Q_ARG(int, 0));
+            QCOMPARE(label("labelNameCameraClock")->text(), QLatin1String(expected[second]));
+        }
+        systemclock::setSourceForTesting(nullptr);
+        QVERIFY(!label("labelPhoto")->pixmap(Qt::ReturnByValue).isNull());
+    }
+};
+
+QTEST_MAIN(TestSession)
+#include "tst_session.moc"

@@ -1,0 +1,631 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The simulated infrared camera, driven through the raw video I/O calls as the kernel would be.
+#include "simulatedcamera.h"
+#include "simulatedworld.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <atomic>
+#include <cerrno>
+#include <cmath>
+#include <fcntl.h>
+#include <linux/videodev2.h>
+#include <sys/mman.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr int kWidth = SimulatedCamera::kWidth;
+constexpr int kHeight = SimulatedCamera::kHeight;
+constexpr uint32_t kImageSize = kWidth * kHeight * 3 / 2;
+
+// The board's three-word control record and its request codes.
+struct ControlRecord
+{
+    uint32_t id;
+    int32_t value;
+    uint32_t zero;
+};
+constexpr unsigned long kGetControl = 0xC00C561BUL;
+constexpr unsigned long kSetControl = 0xC00C561CUL;
+
+bool failsWith(int result, int error)
+{
+    return result == -1 && errno == error;
+}
+
+v4l2_buffer bufferRecord(uint32_t index = 0)
+{
+    v4l2_buffer record{};
+    record.index = index;
+    record.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    record.memory = V4L2_MEMORY_MMAP;
+    return record;
+}
+
+// The camera code's brightness and focus figures: every second pixel of every
+// second row of an 880 x 330 preview, the mean and the mean squared
+// difference to the up-left neighbour.
+struct Figures
+{
+    double brightness = -1;
+    double sharpness = -1;
+};
+
+Figures previewFigures(const std::vector<uint8_t> &frame)
+{
+    if (frame.empty())
+        return {};
+    constexpr int w = 880;
+    constexpr int h = 330;
+    const auto at = [&frame](int k) {
+        return int(frame[2 * (k / w) * kWidth + 2 * (k % w)]);
+    };
+    double sum = 0;
+    double squares = 0;
+    for (int k = w + 1; k < w * h; ++k) {
+        sum += at(k);
+        squares += (at(k - w - 1) - at(k)) * (at(k - w - 1) - at(k));
+    }
+    return {sum / (w * h - w - 1), squares / (w * h - w - 1)};
+}
+
+struct Spot
+{
+    int x = -1;
+    int y = -1;
+    int value = -1;
+};
+
+// The brightest pixel at least `clearance` pixels away from `avoid`.
+Spot brightestSpot(const std::vector<uint8_t> &luma, const Spot &avoid = Spot(), int clearance = 0)
+{
+    Spot best;
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+            const int value = luma[y * kWidth + x];
+            if (value > best.value && !(std::abs(x - avoid.x) < clearance && std::abs(y - avoid.y) < clearance))
+                best = {x, y, value};
+        }
+    }
+    return best;
+}
+
+// The mean of the pixels between the two radii around (cx, cy).
+double ringMean(const std::vector<uint8_t> &luma, int cx, int cy, double inner, double outer)
+{
+    double sum = 0;
+    int count = 0;
+    for (int y = std::max(0, cy - int(outer)); y <= std::min(kHeight - 1, cy + int(outer)); ++y) {
+        for (int x = std::max(0, cx - int(outer)); x <= std::min(kWidth - 1, cx + int(outer)); ++x) {
+            const double r = std::hypot(x - cx, y - cy);
+            if (r >= inner && r <= outer) {
+                sum += luma[y * kWidth + x];
+                ++count;
+            }
+        }
+    }
+    return count ? sum / count : -1;
+}
+
+// One eye, found by its glint: a ring just around the glint lies inside the
+// pupil; the cheek below the eye is skin.
+struct Eye
+{
+    double pupil;
+    double skin;
+    QString text() const { return QStringLiteral("pupil %1 skin %2").arg(pupil).arg(skin); }
+};
+
+Eye eyeAround(const std::vector<uint8_t> &luma, const Spot &glint)
+{
+    return {ringMean(luma, glint.x, glint.y, 6, 9), ringMean(luma, glint.x, glint.y + 90, 0, 10)};
+}
+
+} // namespace
+
+class TestSimulatedCamera : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<SimulatedCamera> m_camera;
+    int m_fd = -1;
+    std::vector<uint8_t *> m_maps;
+
+    void openCamera() { m_fd = m_camera->open("/dev/video0", O_RDWR | O_NONBLOCK); }
+    int io(unsigned long request, void *argument) { return m_camera->ioctl(m_fd, request, argument); }
+
+    int control(unsigned long request, uint32_t id, int *value)
+    {
+        ControlRecord record{id, *value, 0};
+        const int result = io(request, &record);
+        *value = record.value;
+        return result;
+    }
+
+    int requestBuffers(uint32_t count)
+    {
+        v4l2_requestbuffers request{};
+        request.count = count;
+        request.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+        request.memory = V4L2_MEMORY_MMAP;
+        return io(VIDIOC_REQBUFS, &request) < 0 ? -1 : int(request.count);
+    }
+
+    int queue(uint32_t index)
+    {
+        v4l2_buffer record = bufferRecord(index);
+        return io(VIDIOC_QBUF, &record);
+    }
+
+    int dequeue(v4l2_buffer *record)
+    {
+        *record = bufferRecord();
+        return io(VIDIOC_DQBUF, record);
+    }
+
+    int streamOn()
+    {
+        int type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+        return io(VIDIOC_STREAMON, &type);
+    }
+
+    // Waits for readability as the capture thread does.
+    int waitReadable(int milliseconds)
+    {
+        fd_set readable;
+        FD_ZERO(&readable);
+        FD_SET(m_fd, &readable);
+        timeval timeout{milliseconds / 1000, (milliseconds % 1000) * 1000};
+        return m_camera->select(m_fd + 1, &readable, nullptr, nullptr, &timeout);
+    }
+
+    // Opens, maps five buffers, queues them all and starts streaming.
+    bool startStreaming(bool paced = true)
+    {
+        m_camera->setPaced(paced);
+        openCamera();
+        if (m_fd < 0 || requestBuffers(5) != 5)
+            return false;
+        for (uint32_t i = 0; i < 5; ++i) {
+            v4l2_buffer record = bufferRecord(i);
+            void *start = io(VIDIOC_QUERYBUF, &record) < 0 ? MAP_FAILED
+                                                           : m_camera->mmap(nullptr, kImageSize, PROT_READ | PROT_WRITE,
+                                                                            MAP_SHARED, m_fd, record.m.offset);
+            if (start == MAP_FAILED)
+                return false;
+            m_maps.push_back(static_cast<uint8_t *>(start));
+            if (queue(i) < 0)
+                return false;
+        }
+        return streamOn() == 0;
+    }
+
+    // The next frame as the capture thread takes it: select, dequeue, copy,
+    // and the buffer goes straight back. Empty when none came.
+    std::vector<uint8_t> frameNow(v4l2_buffer *taken = nullptr)
+    {
+        v4l2_buffer local;
+        v4l2_buffer &record = taken ? *taken : local;
+        if (waitReadable(2000) != 1 || dequeue(&record) < 0)
+            return {};
+        std::vector<uint8_t> frame(m_maps[record.index], m_maps[record.index] + record.bytesused);
+        return queue(record.index) == 0 ? frame : std::vector<uint8_t>();
+    }
+
+private slots:
+    void init()
+    {
+        SimulatedWorld::instance().reset();
+        m_camera = std::make_unique<SimulatedCamera>();
+    }
+
+    void cleanup()
+    {
+        for (uint8_t *start : m_maps)
+            m_camera->munmap(start, kImageSize);
+        m_maps.clear();
+        if (m_fd >= 0)
+            m_camera->close(m_fd);
+        m_fd = -1;
+        m_camera.reset();
+        SimulatedWorld::instance().reset();
+    }
+
+    // --- injected faults ---
+
+    void capabilityFaultsClearTheirBit_data()
+    {
+        QTest::addColumn<bool>("capture");
+        QTest::addColumn<bool>("streaming");
+        QTest::newRow("healthy") << true << true;
+        QTest::newRow("no capture") << false << true;
+        QTest::newRow("no streaming") << true << false;
+    }
+
+    void capabilityFaultsClearTheirBit()
+    {
+        QFETCH(bool, capture);
+        QFETCH(bool, streaming);
+        m_camera->setCaptureCapability(capture);
+        m_camera->setStreamingCapability(streaming);
+        openCamera();
+        v4l2_capability capability;
+        memset(&capability, 0xff, sizeof(capability));
+        QCOMPARE(io(VIDIOC_QUERYCAP, &capability), 0);
+        for (const uint32_t bits : {capability.capabilities, capability.device_caps}) {
+            QCOMPARE(bool(bits & V4L2_CAP_VIDEO_CAPTURE), capture);
+            QCOMPARE(bool(bits & V4L2_CAP_STREAMING), streaming);
+        }
+        QCOMPARE(capability.capabilities & ~(V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_STREAMING), V4L2_CAP_DEVICE_CAPS);
+    }
+
+    void bufferCountGranted_data()
+    {
+        QTest::addColumn<int>("forced");
+        QTest::addColumn<int>("requested");
+        QTest::addColumn<int>("granted");
+        QTest::newRow("as asked") << 0 << 5 << 5;
+        QTest::newRow("too few raised") << 0 << 1 << SimulatedCamera::kMinBuffers;
+        QTest::newRow("too many cut") << 0 << 100 << SimulatedCamera::kMaxBuffers;
+        QTest::newRow("fault: one") << 1 << 5 << 1;
+        QTest::newRow("fault: six") << 6 << 5 << 6;
+    }
+
+    void bufferCountGranted()
+    {
+        QFETCH(int, forced);
+        QFETCH(int, requested);
+        QFETCH(int, granted);
+        m_camera->setGrantedBufferCount(forced);
+        openCamera();
+        QCOMPARE(requestBuffers(requested), granted);
+        // Exactly the granted buffers exist.
+        v4l2_buffer record = bufferRecord(granted - 1);
+        QCOMPARE(io(VIDIOC_QUERYBUF, &record), 0);
+        record.index = granted;
+        QVERIFY(failsWith(io(VIDIOC_QUERYBUF, &record), EINVAL));
+    }
+
+    void streamOnAndDequeueFailOnDemand()
+    {
+        m_camera->setStreamOnFails(true);
+        QVERIFY(!startStreaming(false));
+        QCOMPARE(errno, EIO);
+        v4l2_buffer record;
+        QVERIFY(failsWith(dequeue(&record), EINVAL));
+        m_camera->setStreamOnFails(false);
+        QCOMPARE(streamOn(), 0);
+
+        // Failed dequeues lose no frame.
+        m_camera->failNextDequeues(2);
+        QCOMPARE(waitReadable(2000), 1);
+        QVERIFY(failsWith(dequeue(&record), EIO));
+        QVERIFY(failsWith(dequeue(&record), EIO));
+        QCOMPARE(dequeue(&record), 0);
+        QCOMPARE(record.index, 0u);
+        QCOMPARE(record.sequence, 0u);
+    }
+
+    void silentCameraLetsSelectTimeOut()
+    {
+        m_camera->setDelivering(false);
+        QVERIFY(startStreaming());
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(waitReadable(150), 0);
+        QVERIFY2(timer.elapsed() >= 140, qPrintable(QString::number(timer.elapsed())));
+        v4l2_buffer record;
+        QVERIFY(failsWith(dequeue(&record), EAGAIN));
+        // The camera recovers when the sensor sends again.
+        m_camera->setDelivering(true);
+        QCOMPARE(waitReadable(2000), 1);
+        QCOMPARE(dequeue(&record), 0);
+    }
+
+    // --- negotiation and buffers ---
+
+    void formatIsAdjustedToTheSensor_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<uint32_t>("asked");
+        QTest::addColumn<uint32_t>("given");
+        QTest::newRow("the camera's own") << 1920 << uint32_t(V4L2_PIX_FMT_NV21) << uint32_t(V4L2_PIX_FMT_NV21);
+        QTest::newRow("other chroma order") << 1920 << uint32_t(V4L2_PIX_FMT_NV12) << uint32_t(V4L2_PIX_FMT_NV12);
+        QTest::newRow("unsupported size and format")
+            << 640 << uint32_t(V4L2_PIX_FMT_YUYV) << uint32_t(V4L2_PIX_FMT_NV21);
+    }
+
+    void formatIsAdjustedToTheSensor()
+    {
+        QFETCH(int, width);
+        QFETCH(uint32_t, asked);
+        QFETCH(uint32_t, given);
+        openCamera();
+        v4l2_format format{};
+        format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+        format.fmt.pix.width = width;
+        format.fmt.pix.height = width * 9 / 16;
+        format.fmt.pix.pixelformat = asked;
+        QCOMPARE(io(VIDIOC_S_FMT, &format), 0);
+        v4l2_format read{};
+        read.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+        QCOMPARE(io(VIDIOC_G_FMT, &read), 0);
+        for (const v4l2_pix_format &answer : {format.fmt.pix, read.fmt.pix}) {
+            QCOMPARE(QList<uint32_t>({answer.width, answer.height, answer.pixelformat, answer.field,
+                                      answer.bytesperline, answer.sizeimage}),
+                     QList<uint32_t>({1920, 1080, given, V4L2_FIELD_NONE, 1920, kImageSize}));
+        }
+    }
+
+    void controlsThroughTheBoardRecord()
+    {
+        openCamera();
+        int exposure = 300;
+        QCOMPARE(control(kSetControl, V4L2_CID_EXPOSURE, &exposure), 0);
+        exposure = -1;
+        QCOMPARE(control(kGetControl, V4L2_CID_EXPOSURE, &exposure), 0);
+        QCOMPARE(exposure, 300);
+        // The standard two-word request sees the same control.
+        v4l2_control standard{V4L2_CID_EXPOSURE, 0};
+        QCOMPARE(io(VIDIOC_G_CTRL, &standard), 0);
+        QCOMPARE(standard.value, 300);
+        // Out of range is clamped, as the kernel's control framework does.
+        int gain = 1000;
+        QCOMPARE(control(kSetControl, V4L2_CID_GAIN, &gain), 0);
+        gain = -1;
+        QCOMPARE(control(kGetControl, V4L2_CID_GAIN, &gain), 0);
+        v4l2_queryctrl query{};
+        query.id = V4L2_CID_GAIN;
+        QCOMPARE(io(VIDIOC_QUERYCTRL, &query), 0);
+        QCOMPARE(gain, query.maximum);
+    }
+
+    void buffersAreSharedPageAlignedMemory()
+    {
+        openCamera();
+        QCOMPARE(requestBuffers(5), 5);
+        std::vector<uint32_t> offsets;
+        for (uint32_t i = 0; i < 5; ++i) {
+            v4l2_buffer record = bufferRecord(i);
+            QCOMPARE(io(VIDIOC_QUERYBUF, &record), 0);
+            QCOMPARE(record.length, kImageSize);
+            QCOMPARE(record.flags & V4L2_BUF_FLAG_MAPPED, 0u);
+            QVERIFY(std::find(offsets.begin(), offsets.end(), record.m.offset) == offsets.end());
+            offsets.push_back(record.m.offset);
+            void *start =
+                m_camera->mmap(nullptr, kImageSize, PROT_READ | PROT_WRITE, MAP_SHARED, m_fd, record.m.offset);
+            QVERIFY(start != MAP_FAILED && reinterpret_cast<uintptr_t>(start) % sysconf(_SC_PAGESIZE) == 0);
+            m_maps.push_back(static_cast<uint8_t *>(start));
+            QCOMPARE(io(VIDIOC_QUERYBUF, &record), 0);
+            QVERIFY(record.flags & V4L2_BUF_FLAG_MAPPED);
+        }
+        // Each buffer is its own memory, all of it writable.
+        for (size_t i = 0; i < m_maps.size(); ++i)
+            m_maps[i][0] = m_maps[i][kImageSize - 1] = uint8_t(10 + i);
+        for (size_t i = 0; i < m_maps.size(); ++i)
+            QVERIFY(m_maps[i][0] == int(10 + i) && m_maps[i][kImageSize - 1] == int(10 + i));
+        QCOMPARE(m_camera->mmap(nullptr, kImageSize, PROT_READ, MAP_PRIVATE, m_fd, offsets[0]), MAP_FAILED);
+        QCOMPARE(m_camera->mappedBuffers(), 5);
+        for (uint8_t *start : m_maps)
+            QCOMPARE(m_camera->munmap(start, kImageSize), 0);
+        m_maps.clear();
+        QCOMPARE(m_camera->mappedBuffers(), 0);
+    }
+
+    void buffersComeBackInQueueOrder()
+    {
+        m_camera->setPaced(false);
+        openCamera();
+        QCOMPARE(requestBuffers(5), 5);
+        const uint32_t order[] = {3, 1, 4, 0, 2};
+        for (uint32_t index : order)
+            QCOMPARE(queue(index), 0);
+        QVERIFY(failsWith(queue(3), EINVAL)); // already queued
+        QCOMPARE(streamOn(), 0);
+        timeval previous{0, 0};
+        v4l2_buffer record;
+        for (uint32_t k = 0; k < 5; ++k) {
+            QCOMPARE(dequeue(&record), 0);
+            QCOMPARE(record.index, order[k]);
+            QCOMPARE(record.sequence, k);
+            QCOMPARE(record.bytesused, kImageSize);
+            QVERIFY(record.flags & V4L2_BUF_FLAG_TIMESTAMP_MONOTONIC);
+            QVERIFY(!(record.flags & (V4L2_BUF_FLAG_QUEUED | V4L2_BUF_FLAG_DONE)));
+            QVERIFY(!timercmp(&record.timestamp, &previous, <));
+            previous = record.timestamp;
+        }
+        // All five are with the application now: nothing to wait for.
+        QVERIFY(failsWith(dequeue(&record), EAGAIN));
+        QCOMPARE(waitReadable(30), 0);
+        // STREAMOFF hands every queued buffer back.
+        QCOMPARE(queue(1), 0);
+        int type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+        QCOMPARE(io(VIDIOC_STREAMOFF, &type), 0);
+        QCOMPARE(queue(1), 0);
+    }
+
+    // --- timing ---
+
+    void framesArePacedAtThirtyPerSecond()
+    {
+        QVERIFY(startStreaming());
+        v4l2_buffer record;
+        // Nothing is ready the moment streaming starts.
+        QVERIFY(failsWith(dequeue(&record), EAGAIN));
+        QElapsedTimer timer;
+        timer.start();
+        timeval previous{0, 0};
+        for (int i = 0; i < 10; ++i) {
+            QVERIFY(!frameNow(&record).empty());
+            // The driver stamps each frame at its tick of the sensor clock.
+            timeval step;
+            timersub(&record.timestamp, &previous, &step);
+            QVERIFY(i == 0 || (step.tv_sec == 0 && step.tv_usec >= 33000));
+            previous = record.timestamp;
+        }
+        // Ten frames take about a third of a second; generous bounds only.
+        QVERIFY2(timer.elapsed() >= 250 && timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    // The driver's last word tells the LED's phase: odd and even by turns.
+    void unpacedFramesAreReadyAtOnceWithAlternatingWords()
+    {
+        QVERIFY(startStreaming(false));
+        QElapsedTimer timer;
+        timer.start();
+        v4l2_buffer record;
+        uint32_t previous = 0;
+        for (int i = 0; i < 30; ++i) {
+            QVERIFY(!frameNow(&record).empty());
+            QVERIFY(i == 0 || record.reserved % 2 == (previous + 1) % 2);
+            previous = record.reserved;
+        }
+        QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    // --- the picture ---
+
+    void lightAndControlsSetTheBrightness()
+    {
+        QVERIFY(startStreaming(false));
+        SimulatedWorld &world = SimulatedWorld::instance();
+        const std::vector<uint8_t> frame = frameNow();
+        QCOMPARE(frame.size(), size_t(kImageSize));
+        // Neutral chroma, and a little noise so that frames differ.
+        QVERIFY(std::all_of(frame.begin() + kWidth * kHeight, frame.end(), [](uint8_t c) { return c == 128; }));
+        QVERIFY(frameNow() != frame);
+        const double dim = previewFigures(frame).brightness;
+        // The camera page asks for a room darker than 20 without the light.
+        QVERIFY2(dim > 2 && dim < 20, qPrintable(QString::number(dim)));
+        world.ambientLight = 60;
+        const double lit = previewFigures(frameNow()).brightness;
+        QVERIFY2(lit > dim + 25, qPrintable(QStringLiteral("%1 -> %2").arg(dim).arg(lit)));
+        world.ambientLight = 0;
+        QVERIFY(previewFigures(frameNow()).brightness < dim);
+
+        world.ambientLight = 10;
+        world.irLight = true;
+        const double aimed = previewFigures(frameNow()).brightness;
+        QVERIFY2(aimed > dim + 20, qPrintable(QStringLiteral("%1 -> %2").arg(dim).arg(aimed)));
+        int exposure = 450;
+        QCOMPARE(control(kSetControl, V4L2_CID_EXPOSURE, &exposure), 0);
+        QVERIFY(previewFigures(frameNow()).brightness > aimed * 1.5);
+        exposure = 225;
+        int gain = 2;
+        QCOMPARE(control(kSetControl, V4L2_CID_EXPOSURE, &exposure), 0);
+        QCOMPARE(control(kSetControl, V4L2_CID_GAIN, &gain), 0);
+        QVERIFY(previewFigures(frameNow()).brightness > aimed * 1.5);
+    }
+
+    void sharpestAtTheWorkingDistance()
+    {
+        QVERIFY(startStreaming(false));
+        SimulatedWorld::instance().irLight = true;
+        std::vector<double> sharpness;
+        QString figures;
+        for (int distance : {800, 900, 1000, 1080, 1150, 1300, 1500}) {
+            SimulatedWorld::instance().childDistanceMm = distance;
+            sharpness.push_back(previewFigures(frameNow()).sharpness);
+            figures += QStringLiteral("%1 mm: %2  ").arg(distance).arg(sharpness.back(), 0, 'f', 1);
+        }
+        // Rising to the working distance, falling beyond it, clearly.
+        QVERIFY2(std::is_sorted(sharpness.begin(), sharpness.begin() + 4), qPrintable(figures));
+        QVERIFY2(std::is_sorted(sharpness.rbegin(), sharpness.rbegin() + 4), qPrintable(figures));
+        QVERIFY2(sharpness[3] > 1.5 * sharpness[1] && sharpness[3] > 1.5 * sharpness[5], qPrintable(figures));
+    }
+
+    void eyesShowDarkPupilsAndBrightGlints()
+    {
+        QVERIFY(startStreaming(false));
+        int glintWithout = 0;
+        for (bool aiming : {false, true}) {
+            SimulatedWorld::instance().irLight = aiming;
+            const std::vector<uint8_t> frame = frameNow();
+            // The two brightest spots are the glints, level with each other
+            // and a child's eye distance apart around the middle.
+            const Spot first = brightestSpot(frame);
+            const Spot second = brightestSpot(frame, first, 60);
+            QVERIFY2(
+                std::abs(first.y - second.y) < 8 && std::abs(first.x - second.x) > 200 &&
+                    std::abs(first.x - second.x) < 330 && std::abs((first.x + second.x) / 2 - kWidth / 2) < 20,
+                qPrintable(QStringLiteral("(%1,%2) (%3,%4)").arg(first.x).arg(first.y).arg(second.x).arg(second.y)));
+            for (const Spot &glint : {first, second}) {
+                const Eye eye = eyeAround(frame, glint);
+                QVERIFY2(eye.pupil < 0.5 * eye.skin, qPrintable(eye.text()));
+                QVERIFY(glint.value > 1.4 * eye.skin && glint.value > 4 * eye.pupil);
+            }
+            // The aiming light's glint is far brighter than the room's.
+            QVERIFY2(!aiming || first.value > 2 * glintWithout, qPrintable(QString::number(glintWithout)));
+            glintWithout = first.value;
+        }
+    }
+
+    void brightPupilOnlyOnOddWordsWithTheFlash()
+    {
+        QVERIFY(startStreaming(false));
+        int bright = 0;
+        for (bool flash : {true, true, true, true, false, false}) {
+            // Without the recording's flash, odd frames keep dark pupils too.
+            SimulatedWorld::instance().irFlashActive = flash;
+            SimulatedWorld::instance().irLight = !flash;
+            v4l2_buffer record;
+            const std::vector<uint8_t> frame = frameNow(&record);
+            const Eye eye = eyeAround(frame, brightestSpot(frame));
+            const QString figures = QStringLiteral("word %1 ").arg(record.reserved) + eye.text();
+            if (flash && record.reserved % 2) {
+                ++bright;
+                QVERIFY2(eye.pupil > eye.skin, qPrintable(figures));
+            } else {
+                QVERIFY2(eye.pupil < 0.5 * eye.skin, qPrintable(figures));
+            }
+        }
+        QCOMPARE(bright, 2);
+    }
+
+    // --- threads ---
+
+    void captureThreadSurvivesChangesFromOtherThreads()
+    {
+        QVERIFY(startStreaming());
+        std::atomic<bool> stop{false};
+        std::atomic<int> frames{0};
+        std::thread capture([&] {
+            while (!stop) {
+                v4l2_buffer record;
+                if (waitReadable(200) == 1 && dequeue(&record) == 0) {
+                    ++frames;
+                    queue(record.index);
+                }
+            }
+        });
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; timer.elapsed() < 600; ++i) {
+            m_camera->failNextDequeues(i % 5 == 0 ? 1 : 0);
+            m_camera->setDelivering(i % 7 != 0);
+            m_camera->setPaced(i % 11 != 0);
+            int gain = 1 + (i / 10) % 2;
+            control(kSetControl, V4L2_CID_GAIN, &gain);
+            SimulatedWorld::instance().childDistanceMm = (i / 10) % 2 ? 1000 : 1080;
+            SimulatedWorld::instance().irFlashActive = (i / 5) % 2;
+            std::this_thread::sleep_for(std::chrono::milliseconds(15));
+        }
+        // Healthy again, the camera keeps delivering: nothing is wedged.
+        m_camera->resetFaults();
+        const int before = frames;
+        timer.restart();
+        while (frames < before + 5 && timer.elapsed() < 3000)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        stop = true;
+        capture.join();
+        QVERIFY2(frames >= before + 5, qPrintable(QStringLiteral("%1 -> %2").arg(before).arg(int(frames))));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSimulatedCamera)
+#include "tst_simulatedcamera.moc"

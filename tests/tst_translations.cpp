@@ -1,0 +1,426 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Translations: every text of the sources is translated in all three languages, and the program carries them.
+#include <QDir>
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTranslator>
+#include <QXmlStreamReader>
+
+#include <set>
+#include <tuple>
+
+namespace {
+
+const QStringList kLocales = {QStringLiteral("en_US"), QStringLiteral("zh_CN"), QStringLiteral("es_ES")};
+
+struct Message
+{
+    QString context;
+    QString source;
+    QString comment;
+    bool numerus = false;
+    // "", "unfinished", "obsolete" or "vanished", as lupdate writes it.
+    QString type;
+    // One entry, or one per plural form.
+    QStringList translations;
+};
+
+// What identifies a message to lupdate and to QTranslator.
+using Key = std::tuple<QString, QString, QString>;
+
+Key keyOf(const Message &message)
+{
+    return Key(message.context, message.source, message.comment);
+}
+
+QString describe(const Message &message)
+{
+    QString text = message.context + QStringLiteral(" \"") + message.source + QLatin1Char('"');
+    if (!message.comment.isEmpty())
+        text += QStringLiteral(" (") + message.comment + QLatin1Char(')');
+    return text;
+}
+
+struct TsFile
+{
+    QString error;
+    QString language;
+    QVector<Message> messages;
+};
+
+// The text of the current element up to its end tag; lupdate writes control
+// characters as <byte value="x1b"/> elements inside it.
+QString readText(QXmlStreamReader &xml)
+{
+    QString text;
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.isCharacters()) {
+            text += xml.text();
+        } else if (xml.isStartElement() && xml.name() == QLatin1String("byte")) {
+            QString value = xml.attributes().value(QLatin1String("value")).toString();
+            const int base = value.startsWith(QLatin1Char('x')) ? 16 : 10;
+            if (base == 16)
+                value.remove(0, 1);
+            text += QChar(value.toUInt(nullptr, base));
+            xml.skipCurrentElement();
+        } else if (xml.isStartElement()) {
+            // <numerusform>/<lengthvariant>: the first variant stands for the element.
+            text += readText(xml);
+        } else if (xml.isEndElement()) {
+            break;
+        }
+    }
+    return text;
+}
+
+Message readMessage(QXmlStreamReader &xml, const QString &context)
+{
+    Message message;
+    message.context = context;
+    message.numerus = xml.attributes().value(QLatin1String("numerus")) == QLatin1String("yes");
+    while (xml.readNextStartElement()) {
+        const auto name = xml.name();
+        if (name == QLatin1String("source")) {
+            message.source = readText(xml);
+        } else if (name == QLatin1String("comment")) {
+            message.comment = readText(xml);
+        } else if (name == QLatin1String("translation")) {
+            message.type = xml.attributes().value(QLatin1String("type")).toString();
+            if (message.numerus) {
+                while (xml.readNextStartElement()) {
+                    if (xml.name() == QLatin1String("numerusform"))
+                        message.translations << readText(xml);
+                    else
+                        xml.skipCurrentElement();
+                }
+            } else {
+                message.translations << readText(xml);
+            }
+        } else {
+            xml.skipCurrentElement();
+        }
+    }
+    return message;
+}
+
+TsFile readTs(const QString &path)
+{
+    TsFile ts;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        ts.error = path + QStringLiteral(": ") + file.errorString();
+        return ts;
+    }
+    QXmlStreamReader xml(&file);
+    if (!xml.readNextStartElement() || xml.name() != QLatin1String("TS")) {
+        ts.error = path + QStringLiteral(": not a TS file");
+        return ts;
+    }
+    ts.language = xml.attributes().value(QLatin1String("language")).toString();
+    while (xml.readNextStartElement()) {
+        if (xml.name() != QLatin1String("context")) {
+            xml.skipCurrentElement();
+            continue;
+        }
+        QString context;
+        while (xml.readNextStartElement()) {
+            if (xml.name() == QLatin1String("name"))
+                context = readText(xml);
+            else if (xml.name() == QLatin1String("message"))
+                ts.messages << readMessage(xml, context);
+            else
+                xml.skipCurrentElement();
+        }
+    }
+    if (xml.hasError())
+        ts.error = QStringLiteral("%1:%2: %3").arg(path).arg(xml.lineNumber()).arg(xml.errorString());
+    return ts;
+}
+
+// Qt's markers (%1 to %99, %L1, %n), which a translation may reorder, and
+// printf's (%d, %-5s, %.2f, %lld, %%), which it may not. A "%" before a space
+// is ordinary text ("20 % de batería"), so the space flag is not recognised.
+const QRegularExpression kPlaceholder(
+    QStringLiteral("%(?:%|L?[1-9][0-9]?|n|[-+#0]*[0-9]*(?:\\.[0-9]+)?(?:hh|h|ll|l|L|q|j|z|t)?[diouxXeEfFgGaAcsp])"));
+const QRegularExpression kQtMarker(QStringLiteral("^%(?:L?[1-9][0-9]?|n)$"));
+
+struct Placeholders
+{
+    QStringList qt;     // sorted
+    QStringList printf; // in order
+    bool operator==(const Placeholders &other) const { return qt == other.qt && printf == other.printf; }
+};
+
+Placeholders placeholdersOf(const QString &text)
+{
+    Placeholders found;
+    auto it = kPlaceholder.globalMatch(text);
+    while (it.hasNext()) {
+        const QString marker = it.next().captured();
+        if (kQtMarker.match(marker).hasMatch())
+            found.qt << marker;
+        else
+            found.printf << marker;
+    }
+    found.qt.sort();
+    return found;
+}
+
+// Single "&"s, the mnemonic markers; "&&" is a literal ampersand.
+int mnemonicsOf(const QString &text)
+{
+    int count = 0;
+    for (int i = 0; i < text.size(); ++i) {
+        if (text.at(i) != QLatin1Char('&'))
+            continue;
+        if (i + 1 < text.size() && text.at(i + 1) == QLatin1Char('&'))
+            ++i;
+        else
+            ++count;
+    }
+    return count;
+}
+
+QString committedFile(const QString &locale)
+{
+    return QStringLiteral(ORVELLA_SOURCE_DIR "/resources/i18n/app_%1.ts").arg(locale);
+}
+
+QString listed(const QStringList &problems)
+{
+    return QString::number(problems.size()) + QStringLiteral(":\n  ") + problems.join(QStringLiteral("\n  "));
+}
+
+} // namespace
+
+class TestTranslations : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    TsFile m_scan;
+    QMap<Key, Message> m_current;
+    QMap<QString, TsFile> m_committed;
+
+    void addLocaleRows()
+    {
+        QTest::addColumn<QString>("locale");
+        for (const QString &locale : kLocales)
+            QTest::newRow(qPrintable(locale)) << locale;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        // The same script that refreshes the committed files, writing into a
+        // scratch file only: the folder list lives in one place.
+        const QString scanned = m_dir.filePath(QStringLiteral("scan.ts"));
+        QProcess script;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("LUPDATE"), QStringLiteral(ORVELLA_LUPDATE));
+        script.setProcessEnvironment(env);
+        script.setProcessChannelMode(QProcess::MergedChannels);
+        script.start(QStringLiteral("bash"), {QStringLiteral(ORVELLA_SOURCE_DIR "/scripts/update-translations"),
+                                              QStringLiteral("--scan"), scanned});
+        QVERIFY2(script.waitForFinished(120000), "update-translations --scan did not finish");
+        const QByteArray output = script.readAll();
+        QVERIFY2(script.exitStatus() == QProcess::NormalExit && script.exitCode() == 0, output.constData());
+
+        m_scan = readTs(scanned);
+        QVERIFY2(m_scan.error.isEmpty(), qPrintable(m_scan.error));
+        for (const Message &message : qAsConst(m_scan.messages))
+            m_current.insert(keyOf(message), message);
+        for (const QString &locale : kLocales) {
+            const TsFile ts = readTs(committedFile(locale));
+            QVERIFY2(ts.error.isEmpty(), qPrintable(ts.error));
+            m_committed.insert(locale, ts);
+        }
+    }
+
+    // --- what is missing or left over ---
+
+    // An empty scan would make every check below pass, so it must look like
+    // the program: texts of the code and of the forms.
+    void scanFindsTheTextsOfCodeAndForms()
+    {
+        QSet<QString> contexts;
+        for (const Message &message : qAsConst(m_scan.messages))
+            contexts.insert(message.context);
+        QVERIFY2(contexts.contains(QStringLiteral("MainDialog")), "no text of ui/*.cpp found");
+        QVERIFY2(contexts.contains(QStringLiteral("PageWithMenu")), "no text of resources/forms/*.ui found");
+        QVERIFY(m_scan.messages.size() >= 20);
+    }
+
+    void everySourceTextIsTranslated_data() { addLocaleRows(); }
+
+    void everySourceTextIsTranslated()
+    {
+        QFETCH(QString, locale);
+        QMap<Key, Message> committed;
+        for (const Message &message : m_committed.value(locale).messages)
+            committed.insert(keyOf(message), message);
+
+        QStringList problems;
+        for (const Message &wanted : qAsConst(m_current)) {
+            const auto found = committed.constFind(keyOf(wanted));
+            if (found == committed.constEnd()) {
+                problems << QStringLiteral("missing: ") + describe(wanted);
+                continue;
+            }
+            const Message &message = *found;
+            bool empty = message.translations.isEmpty();
+            for (const QString &translation : message.translations)
+                empty = empty || translation.trimmed().isEmpty();
+            if (!message.type.isEmpty())
+                problems << message.type + QStringLiteral(": ") + describe(message);
+            else if (empty)
+                problems << QStringLiteral("empty: ") + describe(message);
+            else if (message.numerus != wanted.numerus)
+                problems << QStringLiteral("plural form changed: ") + describe(message);
+        }
+        QVERIFY2(problems.isEmpty(),
+                 qPrintable(QStringLiteral("%1 texts without a finished translation in app_%2.ts (run "
+                                           "scripts/update-translations, then translate) ")
+                                .arg(problems.size())
+                                .arg(locale) +
+                            listed(problems)));
+    }
+
+    void noTranslationOfATextTheSourcesDropped_data() { addLocaleRows(); }
+
+    void noTranslationOfATextTheSourcesDropped()
+    {
+        QFETCH(QString, locale);
+        QStringList stale;
+        std::set<Key> seen;
+        for (const Message &message : m_committed.value(locale).messages) {
+            if (!m_current.contains(keyOf(message)) || message.type == QLatin1String("obsolete") ||
+                message.type == QLatin1String("vanished"))
+                stale << describe(message);
+            else if (seen.count(keyOf(message)) != 0)
+                stale << QStringLiteral("twice: ") + describe(message);
+            seen.insert(keyOf(message));
+        }
+        QVERIFY2(stale.isEmpty(), qPrintable(QStringLiteral("app_%1.ts keeps texts the sources no longer have (run "
+                                                            "scripts/update-translations) ")
+                                                 .arg(locale) +
+                                             listed(stale)));
+    }
+
+    // --- what a translation must keep ---
+
+    void placeholdersAreRecognised_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("translation");
+        QTest::addColumn<bool>("same");
+        QTest::newRow("Qt markers reordered") << "%1 of %2"
+                                              << "%2 中的 %1" << true;
+        QTest::newRow("Qt marker dropped") << "%1 of %2"
+                                           << "de %2" << false;
+        QTest::newRow("Qt marker renumbered") << "Wait %1 s"
+                                              << "Espere %2 s" << false;
+        QTest::newRow("localised marker kept") << "%L1 files"
+                                               << "%L1 archivos" << true;
+        QTest::newRow("plural marker dropped") << "%n children"
+                                               << "niños" << false;
+        QTest::newRow("printf in order") << "%s: %d%%"
+                                         << "%s：%d%%" << true;
+        QTest::newRow("printf reordered") << "%s: %d"
+                                          << "%d: %s" << false;
+        QTest::newRow("printf width kept") << "%-5s|%.2f"
+                                           << "%-5s|%.2f" << true;
+        QTest::newRow("printf width changed") << "%05d"
+                                              << "%5d" << false;
+        QTest::newRow("literal percent dropped") << "100%%"
+                                                 << "100%" << false;
+        QTest::newRow("percent before a word") << "20% battery remaining"
+                                               << "Queda un 20 % de batería" << true;
+    }
+
+    void placeholdersAreRecognised()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, translation);
+        QFETCH(bool, same);
+        QCOMPARE(placeholdersOf(translation) == placeholdersOf(source), same);
+    }
+
+    void translationsKeepPlaceholdersAndMnemonics_data() { addLocaleRows(); }
+
+    void translationsKeepPlaceholdersAndMnemonics()
+    {
+        QFETCH(QString, locale);
+        QStringList problems;
+        for (const Message &message : m_committed.value(locale).messages) {
+            for (const QString &translation : message.translations) {
+                if (translation.isEmpty())
+                    continue; // reported as untranslated
+                if (!(placeholdersOf(translation) == placeholdersOf(message.source)))
+                    problems << describe(message) + QStringLiteral(" -> \"") + translation + QLatin1Char('"');
+                else if (mnemonicsOf(translation) != mnemonicsOf(message.source))
+                    problems << QStringLiteral("\"&\": ") + describe(message) + QStringLiteral(" -> \"") + translation +
+                                    QLatin1Char('"');
+            }
+        }
+        QVERIFY2(problems.isEmpty(),
+                 qPrintable(
+                     QStringLiteral("app_%1.ts: translations that change placeholders or \"&\" markers ").arg(locale) +
+                     listed(problems)));
+    }
+
+    void englishRepeatsTheSourceTexts()
+    {
+        QStringList differing;
+        for (const Message &message : m_committed.value(QStringLiteral("en_US")).messages) {
+            if (!message.numerus && message.translations.value(0) != message.source)
+                differing << describe(message) + QStringLiteral(" -> \"") + message.translations.value(0) +
+                                 QLatin1Char('"');
+        }
+        // Changing an English text means changing it in the code, where it is the key.
+        QVERIFY2(differing.isEmpty(), qPrintable(QStringLiteral("app_en_US.ts rewords ") + listed(differing)));
+    }
+
+    // --- what the program carries ---
+
+    void embeddedTranslationsMatchTheFiles_data() { addLocaleRows(); }
+
+    void embeddedTranslationsMatchTheFiles()
+    {
+        QFETCH(QString, locale);
+        QTranslator translator;
+        QVERIFY2(translator.load(QStringLiteral(":/i18n/app_%1.qm").arg(locale)), qPrintable(locale));
+
+        QStringList wrong;
+        QSet<QString> translatedContexts;
+        for (const Message &message : m_committed.value(locale).messages) {
+            if (!message.type.isEmpty() || message.numerus)
+                continue;
+            const QString shown =
+                translator.translate(message.context.toUtf8().constData(), message.source.toUtf8().constData(),
+                                     message.comment.isEmpty() ? nullptr : message.comment.toUtf8().constData());
+            if (shown != message.translations.value(0))
+                wrong << describe(message) + QStringLiteral(" -> \"") + shown + QLatin1Char('"');
+            else if (shown != message.source)
+                translatedContexts.insert(message.context);
+        }
+        QVERIFY2(wrong.isEmpty(),
+                 qPrintable(QStringLiteral(":/i18n/app_%1.qm differs from app_%1.ts ").arg(locale) + listed(wrong)));
+        // Code, forms and the dialogs each carry their own context; the
+        // Chinese and Spanish tables must really change texts in several of them.
+        if (locale != QLatin1String("en_US"))
+            QVERIFY2(translatedContexts.size() >= 3, qPrintable(QStringList(translatedContexts.values()).join(' ')));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestTranslations)
+
+#include "tst_translations.moc"

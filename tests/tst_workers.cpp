@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The capture, recording, sensor and housekeeping threads over the simulated camera.
+#include "camerathread.h"
+#include "cmdutil.h"
+#include "devicethread.h"
+#include "gdata.h"
+#include "hwthread.h"
+#include "platform.h"
+#include "simulatedcamera.h"
+#include "simulatedworld.h"
+#include "testsupport.h"
+#include "videothread.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+// Frames in a finished recording, read from its index.
+int recordedFrames(const QString &path)
+{
+    const QByteArray file = TestDevice::readFile(path);
+    const int idx1 = file.lastIndexOf("idx1");
+    if (file.size() < 2056 || idx1 < 0)
+        return -1;
+    const auto *length = reinterpret_cast<const unsigned char *>(file.constData() + idx1 + 4);
+    const int bytes = length[0] | length[1] << 8 | length[2] << 16 | length[3] << 24;
+    return bytes / 16;
+}
+
+// A whole recording holds 90 frames, but only at full speed: the thread
+// sanitizer's instrumentation slows the encoder past the six-second limit.
+// Its run still checks every step for races; it only needs some frames.
+void expectFullRecording(int frames)
+{
+#if defined(__SANITIZE_THREAD__)
+    QVERIFY2(frames > 0, qPrintable(QString::number(frames)));
+#else
+    QCOMPARE(frames, 90);
+#endif
+}
+
+// Records the values a worker thread's signal carries, delivered to the
+// test's thread as the main window gets them: queued. (QSignalSpy would
+// record them in the worker's thread, racing with the test reading them.)
+class Reports : public QObject
+{
+public:
+    template <class Sender, class Signal> Reports(Sender *sender, Signal signal)
+    {
+        connect(
+            sender, signal, this, [this](auto value) { m_values << QVariant::fromValue(value); }, Qt::QueuedConnection);
+    }
+    int count() const { return m_values.size(); }
+    QVariant at(int i) const { return m_values.at(i); }
+    bool wait(int milliseconds)
+    {
+        const int before = count();
+        return QTest::qWaitFor([&] { return count() > before; }, milliseconds);
+    }
+
+private:
+    QList<QVariant> m_values;
+};
+
+} // namespace
+
+class TestWorkers : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDevice> m_device;
+    std::unique_ptr<CmdUtil> m_cmd;
+    std::unique_ptr<GData> m_data;
+    std::unique_ptr<CameraThread> m_camera;
+    std::unique_ptr<VideoThread> m_video;
+
+    SimulatedCamera &camera() { return SimulatedCamera::instance(); }
+
+    bool waitForMode(int mode, int milliseconds)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < milliseconds) {
+            if (m_data->m_nCameraMode == mode)
+                return true;
+            QTest::qWait(20);
+        }
+        return false;
+    }
+
+    // Starts capture and recording as the main window does, and lets the
+    // start-up recording finish.
+    void startRecorder()
+    {
+        m_camera = std::make_unique<CameraThread>();
+        m_video = std::make_unique<VideoThread>();
+        m_camera->start();
+        m_video->start();
+        QVERIFY(waitForMode(2, 3000));
+        QVERIFY(waitForMode(0, 10000));
+    }
+
+    // What the camera page does to record.
+    void armRecording()
+    {
+        QCOMPARE(m_data->AVIFileOpen(), 1);
+        m_data->m_nRecordFrameCount = 0;
+        m_data->H264Emptyqueue();
+        m_data->m_nCameraMode = 2;
+    }
+
+private slots:
+    void init()
+    {
+        m_device = std::make_unique<TestDevice>();
+        SimulatedWorld::instance().reset();
+        camera().resetFaults();
+        camera().setPaced(false);
+        m_cmd = std::make_unique<CmdUtil>();
+        m_data = std::make_unique<GData>(m_cmd.get());
+        m_data->Init(nullptr);
+        g_pData = m_data.get();
+    }
+
+    void cleanup()
+    {
+        for (QThread *thread : std::initializer_list<QThread *>{m_camera.get(), m_video.get()}) {
+            if (thread) {
+                thread->requestInterruption();
+                thread->wait();
+            }
+        }
+        m_camera.reset();
+        m_video.reset();
+        g_pData = nullptr;
+        m_data.reset();
+        m_cmd.reset();
+        camera().resetFaults();
+        m_device.reset();
+    }
+
+    // --- recordings that cannot be filled ---
+
+    void cameraThatDeliversNothingGivesAHeaderOnlyFile()
+    {
+        // With restarts left, the failing camera would end the program
+        // (and with it every later test's event loop); a spent budget only
+        // reports.
+        m_device->writeFile(QStringLiteral("camera.txt"), "0");
+        camera().setDelivering(false);
+        m_camera = std::make_unique<CameraThread>();
+        m_video = std::make_unique<VideoThread>();
+        Reports done(m_video.get(), &VideoThread::video_thread_signal);
+        QElapsedTimer timer;
+        timer.start();
+        m_camera->start();
+        m_video->start();
+        QVERIFY(waitForMode(2, 3000));
+        QVERIFY(waitForMode(0, 12000));
+        // The limit ends the recording: six seconds, not the frame count.
+        QVERIFY2(timer.elapsed() >= 6000, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(recordedFrames(Platform::instance().recordingFile), 0);
+        QCOMPARE(QFileInfo(Platform::instance().recordingFile).size(), 2056);
+        QCOMPARE(done.count(), 0);
+    }
+
+    void evenFramesAreNeverEncoded()
+    {
+        camera().setLedPhase(2);
+        startRecorder();
+        QCOMPARE(recordedFrames(Platform::instance().recordingFile), 0);
+        camera().setLedPhase(3);
+        armRecording();
+        Reports done(m_video.get(), &VideoThread::video_thread_signal);
+        QVERIFY(done.wait(10000));
+        expectFullRecording(recordedFrames(Platform::instance().recordingFile));
+    }
+
+    void ledLoopZeroClosesAtOnceAndStillReports()
+    {
+        startRecorder();
+        m_data->m_nLedLoop = 0;
+        Reports done(m_video.get(), &VideoThread::video_thread_signal);
+        QElapsedTimer timer;
+        timer.start();
+        armRecording();
+        QVERIFY(done.wait(5000));
+        QVERIFY2(timer.elapsed() < 2500, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(done.at(0).toInt(), 0);
+        QCOMPARE(recordedFrames(Platform::instance().recordingFile), 0);
+        QCOMPARE(m_data->m_nCameraMode.load(), 3);
+    }
+
+    // --- normal recordings ---
+
+    void startUpRecordingIsSilentAndReturnsToIdle()
+    {
+        m_camera = std::make_unique<CameraThread>();
+        m_video = std::make_unique<VideoThread>();
+        Reports done(m_video.get(), &VideoThread::video_thread_signal);
+        m_camera->start();
+        m_video->start();
+        QVERIFY(waitForMode(2, 3000));
+        QVERIFY(waitForMode(0, 10000));
+        QTest::qWait(700);
+        QCOMPARE(done.count(), 0);
+        expectFullRecording(recordedFrames(Platform::instance().recordingFile));
+        // The flash was started through the camera driver's parameters and is off again.
+        QCOMPARE(TestDevice::readFile(Platform::instance().ledLoopParameter), QByteArray("5"));
+        QCOMPARE(TestDevice::readFile(Platform::instance().ledValueParameter), QByteArray("2"));
+        QVERIFY(!SimulatedWorld::instance().irFlashActive);
+    }
+
+    void armedRecordingHolds90FramesAndReports()
+    {
+        startRecorder();
+        Reports done(m_video.get(), &VideoThread::video_thread_signal);
+        armRecording();
+        QVERIFY(done.wait(10000));
+        QCOMPARE(done.count(), 1);
+        expectFullRecording(recordedFrames(Platform::instance().recordingFile));
+        // The next mode is the page's to choose.
+        QTest::qWait(300);
+        QCOMPARE(m_data->m_nCameraMode.load(), 3);
+    }
+
+    void previewIsAnnouncedOnlyWhileEnabled()
+    {
+        camera().setPaced(true);
+        m_camera = std::make_unique<CameraThread>();
+        Reports previews(m_camera.get(), &CameraThread::camera_thread_signal);
+        QCOMPARE(m_data->V4l2DeviceOpen(), 1);
+        m_data->m_bPreviewEnabled = 0;
+        m_data->m_nCameraMode = 1;
+        m_camera->start();
+        QTest::qWait(400);
+        QCOMPARE(previews.count(), 0);
+        SimulatedWorld::instance().ambientLight = 60;
+        m_data->m_bPreviewEnabled = 1;
+        QVERIFY(previews.wait(3000));
+        // The preview's figures follow the scene: a bright room reads
+        // bright, and a dim one soon reads dim.
+        QVERIFY2(m_data->m_nPreviewBrightness > 30, qPrintable(QString::number(m_data->m_nPreviewBrightness)));
+        SimulatedWorld::instance().ambientLight = 5;
+        QElapsedTimer timer;
+        timer.start();
+        while (m_data->m_nPreviewBrightness > 15 && timer.elapsed() < 3000)
+            QTest::qWait(20);
+        QVERIFY2(m_data->m_nPreviewBrightness <= 15, qPrintable(QString::number(m_data->m_nPreviewBrightness)));
+        m_data->m_nCameraMode = 0;
+    }
+
+    // --- sensors while aiming ---
+
+    void aimingValuesAreMeasuredOnlyWhileAiming()
+    {
+        SimulatedWorld::instance().pitchDegrees = 4;
+        HWThread sensors;
+        m_data->m_nPitch = 99;
+        sensors.start();
+        QTest::qWait(300);
+        QCOMPARE(m_data->m_nPitch.load(), 99);
+        m_data->m_nCameraMode = 1;
+        QElapsedTimer timer;
+        timer.start();
+        while (m_data->m_nPitch != 4 && timer.elapsed() < 2000)
+            QTest::qWait(20);
+        QCOMPARE(m_data->m_nPitch.load(), 4);
+        m_data->m_nCameraMode = 0;
+        sensors.requestInterruption();
+        sensors.wait();
+    }
+
+    void housekeepingWaitsWhileTheCameraWorks()
+    {
+        DeviceThread housekeeping;
+        Reports reports(&housekeeping, &DeviceThread::device_thread_signal);
+        m_data->m_nCameraMode = 1;
+        m_data->m_nWifiChanged = 1;
+        housekeeping.start();
+        QTest::qWait(400);
+        QCOMPARE(m_data->m_nWifiChanged.load(), 1);
+        m_data->m_nCameraMode = 0;
+        QElapsedTimer timer;
+        timer.start();
+        while (m_data->m_nWifiChanged != 0 && timer.elapsed() < 3000)
+            QTest::qWait(20);
+        QCOMPARE(m_data->m_nWifiChanged.load(), 0);
+        housekeeping.requestInterruption();
+        housekeeping.wait();
+    }
+};
+
+QTEST_GUILESS_MAIN(TestWorkers)
+#include "tst_workers.moc"
