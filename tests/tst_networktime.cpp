@@ -328,9 +328,14 @@ private slots:
     void replyTimeIsTaken()
     {
         QFETCH(QList<QByteArray>, datagrams);
-        ScriptedServer server(datagrams);
-        pointAt(QStringLiteral("127.0.0.1"), server.port());
-        m_data->updateTimeFromeWeb();
+        // The client may wake on the first datagram before the kernel has
+        // queued the second; a few exchanges give it the chance to see both.
+        // A client that keeps the first datagram fails every one of them.
+        for (int attempt = 0; attempt < 5 && qAbs(systemclock::nowSecs() - 1900000000) > 1; ++attempt) {
+            ScriptedServer server(datagrams);
+            pointAt(QStringLiteral("127.0.0.1"), server.port());
+            m_data->updateTimeFromeWeb();
+        }
         QVERIFY2(qAbs(systemclock::nowSecs() - 1900000000) <= 1, qPrintable(QString::number(systemclock::nowSecs())));
         QVERIFY(m_data->m_bNetworkReady);
     }
