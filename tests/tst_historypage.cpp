@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The history page: child keys, search, ticks, deletion, the HTML export, one child's tests, and the e-mail page.
 #include "camcfg.h"
-#include "cmdutil.h"
 #include "emailaddress.h"
-#include "gdata.h"
 #include "historysearch.h"
 #include "keypaddlg.h"
-#include "maindialog.h"
 #include "msgdialog.h"
 #include "platform.h"
-#include "simulatedworld.h"
-#include "testsupport.h"
 #include "uitestsupport.h"
 
 #include <QFile>
@@ -22,11 +17,9 @@
 #include <QStandardItemModel>
 #include <QTableView>
 #include <QTest>
-#include <QTimer>
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 
 namespace {
 
@@ -59,23 +52,11 @@ QString htmlRow(const QString &cells)
 
 } // namespace
 
-class TestHistoryPage : public QObject
+class TestHistoryPage : public QObject, private WindowFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
-    std::unique_ptr<MainDialog> m_window;
-
-    template <class T> T *widget(const char *name) const
-    {
-        T *found = m_window->findChild<T *>(QLatin1String(name));
-        if (!found)
-            qFatal("no widget %s", name);
-        return found;
-    }
     QString historyFile() const { return m_device->appDir() + QStringLiteral("/CAMCFG/result.txt"); }
     void writeHistory(const QString &text) const
     {
@@ -108,7 +89,6 @@ private:
     }
     QString noMenuPage() const { return widget<QStackedWidget>("stackedWidgetNoMenu")->currentWidget()->objectName(); }
     bool ticked(int row) const { return showsIcon(rows()->item(row, 0)->icon(), ":/pic/checkon.jpg"); }
-    void click(const char *name) { QTest::mouseClick(widget<QPushButton>(name), Qt::LeftButton); }
 
     void openFromTheMenuBar(const char *button)
     {
@@ -165,30 +145,16 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
-        SimulatedWorld::instance().reset();
-        m_cmd = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmd.get());
-        m_data->Init(nullptr);
-        g_pData = m_data.get();
+        setUp();
         // Where nothing listens: a mail is refused at once, never looked up by name.
         Platform &platform = Platform::instance();
         platform.mailServer = QStringLiteral("127.0.0.26");
         platform.mailPort = 9;
         platform.mailSecurity = QStringLiteral("none");
-        m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
-        widget<QTimer>("timerMain")->stop();
-        m_window->show();
+        openWindow();
     }
 
-    void cleanup()
-    {
-        m_window.reset();
-        g_pData = nullptr;
-        m_data.reset();
-        m_cmd.reset();
-        m_device.reset();
-    }
+    void cleanup() { tearDown(); }
 
     // --- the history text ---
 

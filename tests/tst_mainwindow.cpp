@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The main window: page navigation, idle screen-off and power-off, wake-up, battery label, patient details.
 #include "batterylevel.h"
-#include "cmdutil.h"
-#include "gdata.h"
-#include "maindialog.h"
 #include "simulatedworld.h"
-#include "systemclock.h"
-#include "testsupport.h"
 #include "uitestsupport.h"
 
 #include <QApplication>
@@ -17,10 +12,8 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTest>
-#include <QTimer>
 
 #include <functional>
-#include <memory>
 
 namespace {
 
@@ -36,29 +29,13 @@ void pressLeft(QWidget *box)
 
 } // namespace
 
-class TestMainWindow : public QObject
+class TestMainWindow : public QObject, private WindowFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
-    std::unique_ptr<MainDialog> m_window;
-    qint64 m_nowMs = 0;
-
-    template <class T> T *widget(const char *name) const
-    {
-        T *found = m_window->findChild<T *>(QLatin1String(name));
-        if (!found)
-            qFatal("no widget %s", name);
-        return found;
-    }
     QStackedWidget *base() const { return widget<QStackedWidget>("stackedWidgetBase"); }
     QWidget *noMenuPage() const { return widget<QStackedWidget>("stackedWidgetNoMenu")->currentWidget(); }
-    void tick() { QMetaObject::invokeMethod(m_window.get(), "on_timer", Qt::DirectConnection); }
-    void advance(int seconds) { m_nowMs += 1000LL * seconds; }
-    void click(const char *name) { QTest::mouseClick(widget<QPushButton>(name), Qt::LeftButton); }
     void pressKey(int key)
     {
         // QTest's key helpers know no power key, so the event is built by hand.
@@ -80,32 +57,18 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
         qputenv("ORVELLA_SIM_WIFI_JOIN_MS", "150");
-        SimulatedWorld::instance().reset();
-        m_nowMs = 1700000000000LL;
-        systemclock::setSourceForTesting([this] { return m_nowMs; });
-        m_cmd = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmd.get());
-        m_data->Init(nullptr);
+        freezeClock();
+        setUp();
         // As after the first network time: the tests that need otherwise say so.
         m_data->m_bNetworkReady = 1;
-        g_pData = m_data.get();
-        m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
-        // The tests drive the 200 ms tick themselves.
-        widget<QTimer>("timerMain")->stop();
-        m_window->show();
+        openWindow();
     }
 
     void cleanup()
     {
-        m_window.reset();
-        g_pData = nullptr;
-        m_data.reset();
-        m_cmd.reset();
-        systemclock::setSourceForTesting(nullptr);
+        tearDown();
         qunsetenv("ORVELLA_SIM_WIFI_JOIN_MS");
-        m_device.reset();
     }
 
     // --- idle handling ---

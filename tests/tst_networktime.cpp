@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Network time, the zone offset and the power-timer choices, against real time servers on loopback.
 #include "camcfg.h"
-#include "cmdutil.h"
-#include "gdata.h"
-#include "maindialog.h"
 #include "platform.h"
 #include "powertimers.h"
-#include "simulatedworld.h"
 #include "sntpclient.h"
 #include "sntppacket.h"
 #include "systemclock.h"
-#include "testsupport.h"
+#include "uitestsupport.h"
 #include "zonedlg.h"
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
@@ -32,8 +27,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <functional>
-#include <memory>
 #include <thread>
 #include <vector>
 
@@ -193,74 +186,17 @@ private:
     qint64 m_pid = 0;
 };
 
-QPushButton *button(const QObject *parent, const char *name)
-{
-    auto *found = parent->findChild<QPushButton *>(QLatin1String(name));
-    if (!found)
-        qFatal("no button %s", name);
-    return found;
-}
-
-// Hands the next modal dialog to `respond`, which must close it; a dialog
-// still open afterwards is closed here and fails the test.
-void whenModalOpens(std::function<void(QWidget *)> respond)
-{
-    auto *poll = new QTimer(qApp);
-    auto deadline = std::make_shared<int>(200);
-    QObject::connect(poll, &QTimer::timeout, [poll, deadline, respond] {
-        QWidget *modal = QApplication::activeModalWidget();
-        if (!modal && --*deadline > 0)
-            return;
-        poll->stop();
-        poll->deleteLater();
-        if (!modal)
-            return;
-        respond(modal);
-        if (modal->isVisible()) {
-            modal->close();
-            QTest::qFail("the dialog was left open", __FILE__, __LINE__);
-        }
-    });
-    poll->start(10);
-}
-
-void clickIn(const QObject *parent, const char *name)
-{
-    QTest::mouseClick(button(parent, name), Qt::LeftButton);
-}
-
 } // namespace
 
-class TestNetworkTime : public QObject
+class TestNetworkTime : public QObject, private WindowFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
-    std::unique_ptr<MainDialog> m_window;
-    qint64 m_nowMs = 0;
-
-    void startDevice()
-    {
-        m_data = std::make_unique<GData>(m_cmd.get());
-        m_data->Init(nullptr);
-        g_pData = m_data.get();
-    }
-    void openWindow()
-    {
-        m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
-        m_window->findChild<QTimer *>(QStringLiteral("timerMain"))->stop();
-        m_window->show();
-    }
-    void click(const char *name) { clickIn(m_window.get(), name); }
-    void tick() { QMetaObject::invokeMethod(m_window.get(), "on_timer", Qt::DirectConnection); }
     // The device's clock stopped at a known instant, as after the first network time.
-    void freezeClock()
+    void timeKnown()
     {
-        m_nowMs = 1700000000000LL; // 2023-11-14 22:13:20 UTC
-        systemclock::setSourceForTesting([this] { return m_nowMs; });
+        freezeClock();
         m_data->m_bNetworkReady = 1;
     }
     static void pointAt(const QString &host, quint16 port)
@@ -279,25 +215,8 @@ private:
     }
 
 private slots:
-    void init()
-    {
-        m_device = std::make_unique<TestDevice>();
-        SimulatedWorld::instance().reset();
-        m_cmd = std::make_unique<CmdUtil>();
-        startDevice();
-        systemclock::setOffsetMSecs(0);
-    }
-
-    void cleanup()
-    {
-        m_window.reset();
-        g_pData = nullptr;
-        m_data.reset();
-        m_cmd.reset();
-        systemclock::setSourceForTesting(nullptr);
-        systemclock::setOffsetMSecs(0);
-        m_device.reset();
-    }
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
     // --- exchanges with scripted servers ---
 
@@ -384,7 +303,7 @@ private slots:
         pointAt(QStringLiteral("127.0.0.1"), port);
         skewClock();
         openWindow();
-        auto *timer = m_window->findChild<QTimer *>(QStringLiteral("timerInternetTime"));
+        auto *timer = widget<QTimer>("timerInternetTime");
         QVERIFY(timer->isActive());
         QMetaObject::invokeMethod(m_window.get(), "timerInternetTime", Qt::DirectConnection);
         QTRY_VERIFY_WITH_TIMEOUT(m_data->m_bNetworkReady, 5000);
@@ -399,7 +318,7 @@ private slots:
 
     void zoneOffsetShiftsTheLocalTime()
     {
-        freezeClock();
+        timeKnown();
         for (const auto &[zone, offset] : {std::make_pair("5.5", 19800), std::make_pair("-11", -39600)}) {
             m_data->m_strTimeZone = QLatin1String(zone);
             QCOMPARE(m_data->getLocalTime().toMSecsSinceEpoch() - m_nowMs, offset * 1000LL);
@@ -450,22 +369,21 @@ private slots:
 
     void choosingAZoneIsSavedAndShown()
     {
-        freezeClock();
+        timeKnown();
         openWindow();
         click("buttonSetup");
         click("buttonTimeZoneSetting");
-        whenModalOpens([](QWidget *dialog) {
-            QVERIFY(button(dialog, "buttonZone0")->isChecked());
+        ModalResponder zones([](QWidget *dialog) {
+            QVERIFY(findWidget<QPushButton>(dialog, "buttonZone0")->isChecked());
             // The list's scroller holds a press back to tell a tap from a
             // drag, so the zone is tapped through the button itself.
-            button(dialog, "buttonZone6")->click();
+            findWidget<QPushButton>(dialog, "buttonZone6")->click();
         });
         click("buttonTimeZone");
         QCOMPARE(m_data->m_strTimeZone, QStringLiteral("5.5"));
         QCOMPARE(saved(CamCfg::TimeZone), QStringLiteral("5.5"));
-        QCOMPARE(button(m_window.get(), "buttonTimeZone")->text(), QStringLiteral("UTC+5.5: Indian Standard Time"));
-        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("labelTimeZoneTimeValue"))->text(),
-                 QStringLiteral("2023-11-15 03:43"));
+        QCOMPARE(widget<QPushButton>("buttonTimeZone")->text(), QStringLiteral("UTC+5.5: Indian Standard Time"));
+        QCOMPARE(widget<QLabel>("labelTimeZoneTimeValue")->text(), QStringLiteral("2023-11-15 03:43"));
     }
 
     // --- power timers ---
@@ -491,28 +409,32 @@ private slots:
 
     void neverIsStoredAsTextAndNeverPowersOff()
     {
-        freezeClock();
+        timeKnown();
         openWindow();
         click("buttonSetup");
         click("buttonSleepTimeSetting");
-        QCOMPARE(button(m_window.get(), "buttonClockShutdown")->text(), QStringLiteral("Never"));
-        whenModalOpens([](QWidget *dialog) {
-            QVERIFY(button(dialog, "buttonNever")->isChecked());
-            clickIn(dialog, "buttonNever");
-        });
-        click("buttonClockShutdown");
-        whenModalOpens([](QWidget *dialog) { clickIn(dialog, "button1M"); });
-        click("buttonClockScreen");
+        QCOMPARE(widget<QPushButton>("buttonClockShutdown")->text(), QStringLiteral("Never"));
+        {
+            ModalResponder never([](QWidget *dialog) {
+                QVERIFY(findWidget<QPushButton>(dialog, "buttonNever")->isChecked());
+                pressButton(dialog, "buttonNever");
+            });
+            click("buttonClockShutdown");
+        }
+        {
+            ModalResponder oneMinute([](QWidget *dialog) { pressButton(dialog, "button1M"); });
+            click("buttonClockScreen");
+        }
         QCOMPARE(saved(CamCfg::ScreenOffMinutes), QStringLiteral("1 Minute"));
         QCOMPARE(saved(CamCfg::PowerOffMinutes), QStringLiteral("Never"));
         QCOMPARE(m_data->m_nPowerOffMinutes, -1);
 
         // The idle timers run (the screen goes dark), the power stays on.
         tick();
-        m_nowMs += 61 * 1000;
+        advance(61);
         tick();
         QVERIFY(!m_data->isScreenOn());
-        m_nowMs += 48LL * 3600 * 1000;
+        advance(48 * 3600);
         tick();
         for (const QString &event : m_device->events())
             QVERIFY2(!event.endsWith(QLatin1String(" poweroff")), qPrintable(event));

@@ -2,14 +2,9 @@
 // A screening session on the camera page: aiming guidance, automatic and manual capture, and its end.
 #include "analysisserver.h"
 #include "avilib.h"
-#include "cmdutil.h"
-#include "gdata.h"
-#include "maindialog.h"
 #include "platform.h"
 #include "simulatedcamera.h"
 #include "simulatedworld.h"
-#include "systemclock.h"
-#include "testsupport.h"
 #include "uitestsupport.h"
 
 #include <QApplication>
@@ -22,27 +17,13 @@
 
 #include <memory>
 
-class TestSession : public QObject
+class TestSession : public QObject, private WindowFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
-    std::unique_ptr<MainDialog> m_window;
-
-    template <class T> T *widget(const char *name) const
-    {
-        T *found = m_window->findChild<T *>(QLatin1String(name));
-        if (!found)
-            qFatal("no widget %s", name);
-        return found;
-    }
     QLabel *label(const char *name) const { return widget<QLabel>(name); }
     bool shown(const char *name) const { return label(name)->isVisibleTo(m_window.get()); }
-    void tick() { QMetaObject::invokeMethod(m_window.get(), "on_timer", Qt::DirectConnection); }
-    void click(const char *name) { QTest::mouseClick(widget<QPushButton>(name), Qt::LeftButton); }
 
     void aim(int distance, int pitch, int brightness)
     {
@@ -91,28 +72,14 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
-        SimulatedWorld::instance().reset();
+        setUp();
         SimulatedCamera::instance().resetFaults();
         SimulatedCamera::instance().setPaced(false);
-        m_cmd = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmd.get());
-        m_data->Init(nullptr);
         m_data->m_bNetworkReady = 1;
-        g_pData = m_data.get();
-        m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
-        widget<QTimer>("timerMain")->stop();
-        m_window->show();
+        openWindow();
     }
 
-    void cleanup()
-    {
-        m_window.reset();
-        g_pData = nullptr;
-        m_data.reset();
-        m_cmd.reset();
-        m_device.reset();
-    }
+    void cleanup() { tearDown(); }
 
     // --- the session cannot start ---
 
@@ -370,9 +337,7 @@ private slots:
         // The real threads this time, with the camera at its own pace.
         m_window.reset();
         SimulatedCamera::instance().setPaced(true);
-        m_window = std::make_unique<MainDialog>();
-        widget<QTimer>("timerMain")->stop();
-        m_window->show();
+        openWindow(MainDialog::Workers::Start);
         // The warm-up recording of the start first.
         QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 2, 5000);
         QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 0, 15000);
@@ -413,16 +378,13 @@ private slots:
         openCameraPage();
         aim(97, 0, 5);
         click("buttonPhoto");
-        qint64 now = 1700000000;
-        systemclock::setSourceForTesting([&now] { return now * 1000; });
-        m_data->m_nRecordStartTime = now;
-        const char *expected[] = {"3", "2", "1", "1"};
-        for (int second = 0; second < 4; ++second) {
-            now = 1700000000 + second;
+        freezeClock();
+        m_data->m_nRecordStartTime = m_nowMs / 1000;
+        for (const char *count : {"3", "2", "1", "1"}) {
             QMetaObject::invokeMethod(m_window.get(), "camera_thread_slot", Qt::DirectConnection, Q_ARG(int, 0));
-            QCOMPARE(label("labelNameCameraClock")->text(), QLatin1String(expected[second]));
+            QCOMPARE(label("labelNameCameraClock")->text(), QLatin1String(count));
+            advance(1);
         }
-        systemclock::setSourceForTesting(nullptr);
         QVERIFY(!label("labelPhoto")->pixmap(Qt::ReturnByValue).isNull());
     }
 };

@@ -1,10 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Wi-Fi management: reading wpa_cli's output, joining, switching and forgetting networks, the Wi-Fi page.
-#include "cmdutil.h"
-#include "gdata.h"
-#include "maindialog.h"
-#include "simulatedworld.h"
-#include "testsupport.h"
 #include "uitestsupport.h"
 #include "wifiparsers.h"
 #include "wifipwddlg.h"
@@ -20,7 +15,6 @@
 #include <QTimer>
 
 #include <deque>
-#include <memory>
 #include <utility>
 
 namespace {
@@ -36,15 +30,11 @@ const char kScanHeader[] = "bssid / frequency / signal level / flags / ssid\n";
 
 } // namespace
 
-class TestWifi : public QObject
+class TestWifi : public QObject, private WindowFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
-    std::unique_ptr<MainDialog> m_window;
     QVector<int> m_sleeps;
 
     // Association checks 40 ms apart, against a supplicant that joins in 60 ms.
@@ -76,16 +66,15 @@ private:
         if (refresh)
             m_data->getWIFIInfo();
         if (!m_window) {
-            m_window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
+            openWindow();
             for (QTimer *timer : m_window->findChildren<QTimer *>())
                 timer->stop();
-            m_window->show();
         }
         QMetaObject::invokeMethod(m_window.get(), "device_thread_slot", Qt::DirectConnection,
                                   Q_ARG(QString, QStringLiteral("refresh")));
         return qobject_cast<QStandardItemModel *>(table()->model());
     }
-    QTableView *table() const { return m_window->findChild<QTableView *>(QStringLiteral("tableViewWireless")); }
+    QTableView *table() const { return widget<QTableView>("tableViewWireless"); }
     QStandardItemModel *model() const { return qobject_cast<QStandardItemModel *>(table()->model()); }
     int rowOf(const QString &ssid) const
     {
@@ -132,12 +121,7 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
-        SimulatedWorld::instance().reset();
-        m_cmd = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmd.get());
-        m_data->Init(nullptr);
-        g_pData = m_data.get();
+        setUp();
         m_sleeps.clear();
         m_data->m_fnWifiSleep = [this](int ms) {
             m_sleeps << ms;
@@ -146,12 +130,8 @@ private slots:
 
     void cleanup()
     {
-        m_window.reset();
-        g_pData = nullptr;
-        m_data.reset();
-        m_cmd.reset();
+        tearDown();
         qunsetenv("ORVELLA_SIM_WIFI_JOIN_MS");
-        m_device.reset();
     }
 
     // --- reading wpa_cli's output ---

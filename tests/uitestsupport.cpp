@@ -1,12 +1,65 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// Fixtures for tests of windows: answering modal dialogs, reading message boxes.
+// Fixtures for tests of windows: the main window on a throw-away device, answering modal dialogs, reading
+// message boxes.
 #include "uitestsupport.h"
+
+#include "simulatedworld.h"
+#include "systemclock.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QStringList>
 #include <QTest>
+
+void WindowFixture::setUp()
+{
+    m_device = std::make_unique<TestDevice>();
+    SimulatedWorld::instance().reset();
+    m_cmd = std::make_unique<CmdUtil>();
+    startDevice();
+}
+
+void WindowFixture::startDevice()
+{
+    m_data = std::make_unique<GData>(m_cmd.get());
+    m_data->Init(nullptr);
+    g_pData = m_data.get();
+}
+
+void WindowFixture::openWindow(MainDialog::Workers workers)
+{
+    m_window = std::make_unique<MainDialog>(nullptr, workers);
+    widget<QTimer>("timerMain")->stop();
+    m_window->show();
+}
+
+void WindowFixture::tearDown()
+{
+    m_window.reset();
+    g_pData = nullptr;
+    m_data.reset();
+    m_cmd.reset();
+    systemclock::setSourceForTesting(nullptr);
+    systemclock::setOffsetMSecs(0);
+    m_device.reset();
+}
+
+void WindowFixture::freezeClock(qint64 msecs)
+{
+    m_nowMs = msecs;
+    systemclock::setSourceForTesting([this] { return m_nowMs; });
+}
+
+void WindowFixture::click(const char *name)
+{
+    QTest::mouseClick(widget<QPushButton>(name), Qt::LeftButton);
+}
+
+void WindowFixture::tick()
+{
+    QMetaObject::invokeMethod(m_window.get(), "on_timer", Qt::DirectConnection);
+}
 
 ModalResponder::ModalResponder(std::function<void(QWidget *)> respond)
     : m_respond(std::move(respond))
