@@ -251,17 +251,6 @@ private:
         return own->port();
     }
 
-    Mailer::Account account(quint16 port, Mailer::Security security = Mailer::Security::None) const
-    {
-        Mailer::Account result;
-        result.host = kAddress;
-        result.port = port;
-        result.security = security;
-        result.sender = kSender;
-        result.caFile = m_cert;
-        return result;
-    }
-
     void pointAt(quint16 port, const QString &security)
     {
         Platform &platform = Platform::instance();
@@ -411,24 +400,25 @@ private slots:
         QTest::addColumn<int>("security");
         QTest::addColumn<QString>("login"); // user:password, or "other CA" to trust another certificate
         QTest::addColumn<QStringList>("named");
-        const int plain = int(Mailer::Security::None);
-        const int startTls = int(Mailer::Security::StartTls);
+        const auto row = [](const char *name, const QStringList &server, Mailer::Security security, const char *login,
+                            const QStringList &named) {
+            QTest::newRow(name) << server << int(security) << login << named;
+        };
+        const Mailer::Security plain = Mailer::Security::None;
+        const Mailer::Security startTls = Mailer::Security::StartTls;
         const QStringList tls{"--tlscert", m_cert, "--tlskey", m_key};
         const QStringList login = QStringList{"script", "--login", "nurse:s3cret"} + tls;
-        QTest::newRow("unreachable") << QStringList{"closed"} << plain << ""
-                                     << QStringList{"cannot be reached", kAddress};
-        QTest::newRow("silent") << QStringList{"silent"} << plain << "" << QStringList{"did not answer"};
-        QTest::newRow("stalls on the message")
-            << QStringList{"script", "--stall-data"} << plain << "" << QStringList{"did not answer"};
-        QTest::newRow("refused recipient") << QStringList{"script", "--refuse-recipients"} << plain << ""
-                                           << QStringList{"refused the recipient", kRecipient, "550"};
-        QTest::newRow("refused message") << QStringList{"script", "--refuse-data"} << plain << ""
-                                         << QStringList{"refused the message", "554", "no room"};
-        QTest::newRow("wrong password") << login << startTls << "nurse:wrong" << QStringList{"user name or password"};
-        QTest::newRow("no login") << login << startTls << "" << QStringList{"refused mail from", "530"};
-        QTest::newRow("untrusted certificate") << tls << startTls << "other CA" << QStringList{"encrypted connection"};
+        row("unreachable", {"closed"}, plain, "", {"cannot be reached", kAddress});
+        row("silent", {"silent"}, plain, "", {"did not answer"});
+        row("stalls on the message", {"script", "--stall-data"}, plain, "", {"did not answer"});
+        row("refused recipient", {"script", "--refuse-recipients"}, plain, "",
+            {"refused the recipient", kRecipient, "550"});
+        row("refused message", {"script", "--refuse-data"}, plain, "", {"refused the message", "554", "no room"});
+        row("wrong password", login, startTls, "nurse:wrong", {"user name or password"});
+        row("no login", login, startTls, "", {"refused mail from", "530"});
+        row("untrusted certificate", tls, startTls, "other CA", {"encrypted connection"});
         // A server without encryption is not used in the clear instead.
-        QTest::newRow("no STARTTLS offered") << QStringList() << startTls << "" << QStringList{"does not offer"};
+        row("no STARTTLS offered", {}, startTls, "", {"does not offer"});
     }
 
     void serverFailuresAreNamed()
@@ -444,10 +434,13 @@ private slots:
         QTcpServer quiet;
         QVERIFY(quiet.listen(QHostAddress(kAddress)));
         std::unique_ptr<SmtpServer> own;
-        Mailer::Account from = account(silent ? quiet.serverPort() : serve(own, server), Mailer::Security(security));
-        if (login == QLatin1String("other CA"))
-            from.caFile = m_otherCert;
-        else if (!login.isEmpty())
+        Mailer::Account from;
+        from.host = kAddress;
+        from.port = silent ? quiet.serverPort() : serve(own, server);
+        from.security = Mailer::Security(security);
+        from.sender = kSender;
+        from.caFile = login == QLatin1String("other CA") ? m_otherCert : m_cert;
+        if (!login.isEmpty() && login != QLatin1String("other CA"))
             std::tie(from.user, from.password) = std::make_pair(login.section(':', 0, 0), login.section(':', 1));
         Mailer mailer(from);
         const int timeoutMs = named.constFirst() == QLatin1String("did not answer") ? 1500 : 5000;
@@ -477,12 +470,15 @@ private slots:
         QTest::addColumn<QString>("security");
         QTest::addColumn<QStringList>("server");
         QTest::addColumn<QString>("login");
+        const auto row = [](const char *name, const char *security, const QStringList &server, const char *login) {
+            QTest::newRow(name) << security << server << login;
+        };
         const QStringList tls{"--tlscert", m_cert, "--tlskey", m_key};
-        QTest::newRow("plain") << "none" << QStringList() << "";
-        QTest::newRow("STARTTLS") << "starttls" << tls << "";
-        QTest::newRow("TLS from the start") << "tls" << QStringList{"--smtpscert", m_cert, "--smtpskey", m_key} << "";
-        QTest::newRow("STARTTLS and the right password")
-            << "starttls" << QStringList{"script", "--login", "nurse:s3cret"} + tls << "nurse:s3cret";
+        row("plain", "none", {}, "");
+        row("STARTTLS", "starttls", tls, "");
+        row("TLS from the start", "tls", {"--smtpscert", m_cert, "--smtpskey", m_key}, "");
+        row("STARTTLS and the right password", "starttls", QStringList{"script", "--login", "nurse:s3cret"} + tls,
+            "nurse:s3cret");
     }
 
     void videoReportArrivesWhole()

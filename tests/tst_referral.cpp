@@ -108,51 +108,35 @@ private:
         return *m_data;
     }
 
-    // The device clock at a local time of the given zone.
-    void setLocalNow(const QDateTime &local, const QString &zone = QStringLiteral("0"))
+    void setResult(const QString &sphere, const QString &cylinder = QStringLiteral("0"))
     {
-        data().m_strTimeZone = zone;
-        const qint64 offsetMs = qint64(zone.toDouble() * 3600.0) * 1000;
-        m_nowMs = QDateTime(local.date(), local.time(), Qt::UTC).toMSecsSinceEpoch() - offsetMs;
+        data().m_strOSSphere = data().m_strODSphere = sphere;
+        data().m_strOSCylinder = data().m_strODCylinder = cylinder;
     }
 
-    void setResult(const QString &osSphere, const QString &odSphere, const QString &osCylinder = QStringLiteral("0"),
-                   const QString &odCylinder = QStringLiteral("0"))
+    // Both bounds of each sign, every value once in each eye, and just inside.
+    static void addBandRows(const Band &band, int months)
     {
-        data().m_strOSSphere = osSphere;
-        data().m_strODSphere = odSphere;
-        data().m_strOSCylinder = osCylinder;
-        data().m_strODCylinder = odCylinder;
-    }
-
-    void addBandRows(const Band &band, int months)
-    {
-        const auto row = [&](const char *what, const referral::Refraction &refraction, int expected) {
-            QTest::addRow("%s %dm %s", band.name, months, what) << band.criterion << months << refraction << expected;
+        const auto row = [&](const char *what, const char *side, const referral::Refraction &refraction, int verdict) {
+            QTest::addRow("%s %dm %s %s", band.name, months, what, side)
+                << band.criterion << months << refraction << verdict;
         };
-        const double a = band.anisometropia;
-        const double in = a - kInside;
-        row("A = +bound", eyes(a / 2, -a / 2), referral::kRefer);
-        row("A = -bound", eyes(-a / 2, a / 2), referral::kRefer);
-        row("A inside +bound", eyes(in / 2, -in / 2), referral::kPass);
-        row("A inside -bound", eyes(-in / 2, in / 2), referral::kPass);
-
-        const double up = band.sphereAbove;
-        row("S upper bound left", eyes(up, up - kStep), referral::kRefer);
-        row("S upper bound right", eyes(up - kStep, up), referral::kRefer);
-        row("S inside upper bound", eyes(up - kInside, up - kInside), referral::kPass);
-        const double down = band.sphereBelow;
-        row("S lower bound left", eyes(down, down + kStep), referral::kRefer);
-        row("S lower bound right", eyes(down + kStep, down), referral::kRefer);
-        row("S inside lower bound", eyes(down + kInside, down + kInside), referral::kPass);
-
-        const double c = band.cylinder;
-        row("C = +bound left", eyes(0, 0, c, c - kStep), referral::kRefer);
-        row("C = +bound right", eyes(0, 0, c - kStep, c), referral::kRefer);
-        row("C inside +bound", eyes(0, 0, c - kInside, c - kInside), referral::kPass);
-        row("C = -bound left", eyes(0, 0, -c, -c + kStep), referral::kRefer);
-        row("C = -bound right", eyes(0, 0, -c + kStep, -c), referral::kRefer);
-        row("C inside -bound", eyes(0, 0, -c + kInside, -c + kInside), referral::kPass);
+        for (const double sign : {1.0, -1.0}) {
+            const char *side = sign > 0 ? "+" : "-";
+            // Left minus right, split so that neither sphere nears its own bound.
+            const double a = sign * band.anisometropia / 2;
+            const double aInside = sign * (band.anisometropia - kInside) / 2;
+            row("A at bound", side, eyes(a, -a), referral::kRefer);
+            row("A inside", side, eyes(aInside, -aInside), referral::kPass);
+            const double s = sign > 0 ? band.sphereAbove : band.sphereBelow;
+            row("S at bound left", side, eyes(s, s - sign * kStep), referral::kRefer);
+            row("S at bound right", side, eyes(s - sign * kStep, s), referral::kRefer);
+            row("S inside", side, eyes(s - sign * kInside, s - sign * kInside), referral::kPass);
+            const double c = sign * band.cylinder;
+            row("C at bound left", side, eyes(0, 0, c, c - sign * kStep), referral::kRefer);
+            row("C at bound right", side, eyes(0, 0, c - sign * kStep, c), referral::kRefer);
+            row("C inside", side, eyes(0, 0, c - sign * kInside, c - sign * kInside), referral::kPass);
+        }
     }
 
     // The main window, with its settings pages, over the GData of this test.
@@ -162,28 +146,39 @@ private:
         auto window = std::make_unique<MainDialog>(nullptr, MainDialog::Workers::DoNotStart);
         window->findChild<QTimer *>(QStringLiteral("timerMain"))->stop();
         window->show();
-        QStackedWidget *base = window->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetBase"));
-        base->setCurrentIndex(MainDialog::BasePageMenu);
-        click(*window, "buttonSetup");
-        click(*window, "buttonReferralSetting");
+        window->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetBase"))
+            ->setCurrentIndex(MainDialog::BasePageMenu);
+        click(*window, QStringLiteral("Setup"));
+        click(*window, QStringLiteral("ReferralSetting"));
         return window;
     }
 
-    static void click(MainDialog &window, const char *name)
+    static QPushButton *button(MainDialog &window, const QString &name)
     {
-        auto *button = window.findChild<QPushButton *>(QLatin1String(name));
-        QVERIFY2(button, name);
-        QTest::mouseClick(button, Qt::LeftButton);
+        return window.findChild<QPushButton *>(QStringLiteral("button") + name);
     }
 
-    static QStringList shownTexts(MainDialog &window)
+    static void click(MainDialog &window, const QString &name)
     {
-        QWidget *page = window.findChild<QStackedWidget *>(QStringLiteral("stackedWidgetReferral"))->currentWidget();
-        QStringList texts;
-        const QList<QLabel *> labels = page->findChildren<QLabel *>();
-        for (const QLabel *label : labels)
-            texts << label->text();
-        return texts;
+        QPushButton *pushButton = button(window, name);
+        QVERIFY2(pushButton, qPrintable(name));
+        QTest::mouseClick(pushButton, Qt::LeftButton);
+    }
+
+    static QWidget *shownPage(MainDialog &window)
+    {
+        return window.findChild<QStackedWidget *>(QStringLiteral("stackedWidgetReferral"))->currentWidget();
+    }
+
+    // The checked buttons and the page shown, as "Matta on pageMatta".
+    static QString shownCriterion(MainDialog &window)
+    {
+        QStringList checked;
+        for (const QString &name : {QStringLiteral("Matta"), QStringLiteral("Arthur2"), QStringLiteral("Arnold")}) {
+            if (button(window, name)->isChecked())
+                checked << name;
+        }
+        return checked.join(QLatin1Char(' ')) + QStringLiteral(" on ") + shownPage(window)->objectName();
     }
 
     QString criterionOnDisk() const
@@ -208,21 +203,7 @@ private slots:
         m_device.reset();
     }
 
-    // --- values that are no refraction, criteria that are not known ---
-
-    void negativeZeroNeverRefers()
-    {
-        const QString zero = QStringLiteral("-0.00");
-        setResult(zero, zero, zero, zero);
-        setLocalNow(QDateTime(QDate(2024, 6, 1), QTime(12, 0)));
-        for (int criterion : {referral::Matta, referral::Arnold, referral::Arthur2}) {
-            data().m_nReferralCriterion = criterion;
-            for (const QDate &birthday : {QDate(2024, 5, 1), QDate(2023, 9, 1), QDate(2021, 6, 1), QDate(2016, 6, 1)}) {
-                data().m_dateBirthday = birthday;
-                QCOMPARE(data().calculateReferral(), referral::kPass);
-            }
-        }
-    }
+    // --- the setting, and values that are no refraction ---
 
     void settingPicksTheCriterion_data()
     {
@@ -236,7 +217,6 @@ private slots:
         QTest::newRow("2 Arthur2") << 2 << referral::kPass << referral::kPass;
         QTest::newRow("3 unknown") << 3 << referral::kPass << referral::kPass;
         QTest::newRow("-1 unknown") << -1 << referral::kPass << referral::kPass;
-        QTest::newRow("99 unknown") << 99 << referral::kPass << referral::kPass;
     }
 
     void settingPicksTheCriterion()
@@ -246,12 +226,16 @@ private slots:
         QFETCH(int, atArnoldBound);
         data().m_nReferralCriterion = setting;
         data().m_dateBirthday = QDate(2020, 3, 10);
-        setLocalNow(QDateTime(QDate(2024, 3, 10), QTime(9, 0)));
+        data().m_strTimeZone = QStringLiteral("0");
+        m_nowMs = QDateTime(QDate(2024, 3, 10), QTime(9, 0), Qt::UTC).toMSecsSinceEpoch();
         QCOMPARE(data().getMonthofAge(), 48);
-        setResult(QStringLiteral("+1.25"), QStringLiteral("+1.25"));
+        setResult(QStringLiteral("+1.25"));
         QCOMPARE(data().calculateReferral(), atMattaBound);
-        setResult(QStringLiteral("+2.50"), QStringLiteral("+2.50"));
+        setResult(QStringLiteral("+2.50"));
         QCOMPARE(data().calculateReferral(), atArnoldBound);
+        // The server's way of writing no refraction at all.
+        setResult(QStringLiteral("-0.00"), QStringLiteral("-0.00"));
+        QCOMPARE(data().calculateReferral(), referral::kPass);
     }
 
     // --- age in months ---
@@ -261,10 +245,8 @@ private slots:
         QTest::addColumn<QDate>("birthday");
         QTest::addColumn<QDate>("today");
         QTest::addColumn<int>("months");
-        QTest::newRow("16 days short") << QDate(2020, 5, 20) << QDate(2022, 5, 4) << 23;
         QTest::newRow("15 days short") << QDate(2020, 5, 19) << QDate(2022, 5, 4) << 23;
         QTest::newRow("14 days short") << QDate(2020, 5, 20) << QDate(2022, 5, 6) << 24;
-        QTest::newRow("on the day") << QDate(2020, 5, 20) << QDate(2022, 5, 20) << 24;
         QTest::newRow("14 days over") << QDate(2020, 5, 5) << QDate(2022, 5, 19) << 24;
         QTest::newRow("15 days over") << QDate(2020, 5, 5) << QDate(2022, 5, 20) << 25;
         QTest::newRow("across a new year") << QDate(2019, 12, 25) << QDate(2020, 1, 9) << 0;
@@ -281,9 +263,6 @@ private slots:
         QFETCH(QDate, today);
         QFETCH(int, months);
         QCOMPARE(referral::monthsOfAge(birthday, today), months);
-        data().m_dateBirthday = birthday;
-        setLocalNow(QDateTime(today, QTime(12, 0)));
-        QCOMPARE(data().getMonthofAge(), months);
     }
 
     void ageFollowsTheLocalDateOfTheDevice()
@@ -321,107 +300,64 @@ private slots:
         QCOMPARE(referral::judge(criterion, months, eyes), verdict);
     }
 
-    void mattaChangesBandAt37Months()
-    {
-        // -1.00 refers from the third band on, not in the second.
-        setResult(QStringLiteral("-1.00"), QStringLiteral("-1.00"));
-        data().m_dateBirthday = QDate(2021, 1, 10);
-        setLocalNow(QDateTime(QDate(2024, 1, 10), QTime(9, 0)));
-        QCOMPARE(data().getMonthofAge(), 36);
-        QCOMPARE(data().calculateMatta(), referral::kPass);
-        setLocalNow(QDateTime(QDate(2024, 2, 10), QTime(9, 0)));
-        QCOMPARE(data().getMonthofAge(), 37);
-        QCOMPARE(data().calculateMatta(), referral::kRefer);
-    }
-
     // --- the settings page ---
-
-    void pageOpensOnTheCriterionInForce_data()
-    {
-        QTest::addColumn<int>("setting");
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<QString>("page");
-        QTest::newRow("Matta") << 1 << "buttonMatta"
-                               << "pageMatta";
-        QTest::newRow("Arnold") << 0 << "buttonArnold"
-                                << "pageArnold";
-        QTest::newRow("Arthur2") << 2 << "buttonArthur2"
-                                 << "pageArthur2";
-        QTest::newRow("unknown") << 7 << "buttonArthur2"
-                                 << "pageArthur2";
-    }
-
-    void pageOpensOnTheCriterionInForce()
-    {
-        QFETCH(int, setting);
-        QFETCH(QString, button);
-        QFETCH(QString, page);
-        data().m_nReferralCriterion = setting;
-        auto window = openReferralPage();
-        QVERIFY(window->findChild<QPushButton *>(button)->isChecked());
-        int checked = 0;
-        for (const char *name : {"buttonMatta", "buttonArthur2", "buttonArnold"})
-            checked += window->findChild<QPushButton *>(QLatin1String(name))->isChecked() ? 1 : 0;
-        QCOMPARE(checked, 1);
-        QCOMPARE(
-            window->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetReferral"))->currentWidget()->objectName(),
-            page);
-        // Opening the page chooses nothing.
-        QCOMPARE(criterionOnDisk(), QStringLiteral("0"));
-    }
 
     void choosingSavesAtOnceAndShowsTheTexts_data()
     {
-        QTest::addColumn<QString>("button");
+        QTest::addColumn<int>("before");
+        QTest::addColumn<QString>("opensOn");
+        QTest::addColumn<QString>("criterion");
         QTest::addColumn<int>("setting");
         QTest::addColumn<QStringList>("texts");
-        QTest::newRow("Matta") << "buttonMatta" << 1 << kMattaTexts;
-        QTest::newRow("Arthur2") << "buttonArthur2" << 2 << kArthur2Texts;
-        QTest::newRow("Arnold") << "buttonArnold" << 0 << kArnoldTexts;
+        const auto row = [](const char *name, int before, const char *opensOn, const char *criterion, int setting,
+                            const QStringList &texts) {
+            QTest::newRow(name) << before << opensOn << criterion << setting << texts;
+        };
+        row("unknown, then Matta", 7, "Arthur2", "Matta", 1, kMattaTexts);
+        row("Matta, then Arthur2", 1, "Matta", "Arthur2", 2, kArthur2Texts);
+        row("Arthur2, then Arnold", 2, "Arthur2", "Arnold", 0, kArnoldTexts);
+        row("Arnold, then Matta", 0, "Arnold", "Matta", 1, kMattaTexts);
     }
 
     void choosingSavesAtOnceAndShowsTheTexts()
     {
-        QFETCH(QString, button);
+        QFETCH(int, before);
+        QFETCH(QString, opensOn);
+        QFETCH(QString, criterion);
         QFETCH(int, setting);
         QFETCH(QStringList, texts);
-        // Start from another criterion, in memory and on disk.
-        const int before = setting == 1 ? 2 : 1;
-        data().m_nReferralCriterion = before;
+        // On disk a value that neither opening nor choosing leaves behind.
         CamCfg &cfg = *data().m_pCamCfg;
-        cfg.setValue(CamCfg::ReferralCriterion, QString::number(before));
+        cfg.setValue(CamCfg::ReferralCriterion, QStringLiteral("9"));
         cfg.dogenCurrentCFG();
         QCOMPARE(cfg.saveCFG2File(), QStringLiteral("1"));
+        data().m_nReferralCriterion = before;
         auto window = openReferralPage();
-        click(*window, button.toLatin1().constData());
+        QCOMPARE(shownCriterion(*window), opensOn + QStringLiteral(" on page") + opensOn);
+        QCOMPARE(criterionOnDisk(), QStringLiteral("9"));
+
+        click(*window, criterion);
         QCOMPARE(data().m_nReferralCriterion, setting);
         QCOMPARE(criterionOnDisk(), QString::number(setting));
-        QVERIFY(window->findChild<QPushButton *>(button)->isChecked());
-        QCOMPARE(shownTexts(*window), texts);
+        QCOMPARE(shownCriterion(*window), criterion + QStringLiteral(" on page") + criterion);
+        // Layouts of a page just shown settle on the next event loop pass.
+        QCoreApplication::processEvents();
+        QWidget *page = shownPage(*window);
+        QStringList shown;
+        const QList<QLabel *> labels = page->findChildren<QLabel *>();
+        for (const QLabel *label : labels) {
+            shown << label->text();
+            // Wider than its label, a line would wrap onto a second one.
+            const int width = label->fontMetrics().horizontalAdvance(label->text());
+            QVERIFY2(width <= label->contentsRect().width(), qPrintable(label->text()));
+            QVERIFY2(label->geometry().bottom() < page->height(), qPrintable(label->text()));
+        }
+        QCOMPARE(shown, texts);
 
         window.reset();
         GData restarted(m_cmd.get());
         restarted.Init(nullptr);
         QCOMPARE(restarted.m_nReferralCriterion, setting);
-    }
-
-    void longestLinesFitTheirPage()
-    {
-        auto window = openReferralPage();
-        for (const char *name : {"buttonMatta", "buttonArthur2", "buttonArnold"}) {
-            click(*window, name);
-            // Layouts of a page just shown settle on the next event loop pass.
-            QCoreApplication::processEvents();
-            QWidget *page =
-                window->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetReferral"))->currentWidget();
-            const QList<QLabel *> labels = page->findChildren<QLabel *>();
-            for (const QLabel *label : labels) {
-                // Wider than its label, a line would wrap onto a second one.
-                const int width = label->fontMetrics().horizontalAdvance(label->text());
-                QVERIFY2(width <= label->contentsRect().width(), qPrintable(label->text()));
-                QVERIFY2(label->geometry().bottom() < page->height(), qPrintable(label->text()));
-            }
-        }
     }
 };
 
