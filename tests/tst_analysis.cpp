@@ -225,30 +225,23 @@ private slots:
         QVERIFY(root);
         QString text;
         int number = -1;
-        {
-            LogCapture log;
-            QVERIFY(GData::getJsonStringValue(root, "msg", reply, text));
-            QCOMPARE(text, QString::fromUtf8("Jos\xc3\xa9 ok"));
-            QVERIFY(GData::getJsonString(root, "data", reply, text));
-            QCOMPARE(text, QStringLiteral("{\"url\":\"http://h/a b\"}"));
-            QVERIFY(GData::getJsonIntValue(root, "code", reply, number));
-            QCOMPARE(number, 0);
-            QVERIFY(GData::getJsonIntValue(root, "big", reply, number));
-            QCOMPARE(number, INT_MAX);
-            // Present but of another kind: refused without the missing item's message.
-            QVERIFY(!GData::getJsonStringValue(root, "code", reply, text));
-            QVERIFY(!GData::getJsonIntValue(root, "text", reply, number));
-            QVERIFY(log.lines().isEmpty());
-        }
+        QVERIFY(GData::getJsonStringValue(root, "msg", reply, text));
+        QCOMPARE(text, QString::fromUtf8("Jos\xc3\xa9 ok"));
+        QVERIFY(GData::getJsonString(root, "data", reply, text));
+        QCOMPARE(text, QStringLiteral("{\"url\":\"http://h/a b\"}"));
+        QVERIFY(GData::getJsonIntValue(root, "code", reply, number));
+        QCOMPARE(number, 0);
+        QVERIFY(GData::getJsonIntValue(root, "big", reply, number));
+        QCOMPARE(number, INT_MAX);
+        // Absent, or present but of another kind: refused, the value left alone.
         text = QStringLiteral("untouched");
         number = -5;
-        LogCapture log;
+        QVERIFY(!GData::getJsonStringValue(root, "code", reply, text));
+        QVERIFY(!GData::getJsonIntValue(root, "text", reply, number));
         QVERIFY(!GData::getJsonString(root, "absent", reply, text));
         QVERIFY(!GData::getJsonStringValue(root, "absent", reply, text));
         QVERIFY(!GData::getJsonIntValue(root, "absent", reply, number));
         QVERIFY(!GData::getJsonIntValue(nullptr, "code", QStringLiteral("<html>"), number));
-        QCOMPARE(log.lines().count(QStringLiteral("cJSON_GetObjectItem Error: absent %1").arg(reply)), 3);
-        QVERIFY(log.contains(QStringLiteral("cJSON_GetObjectItem Error: code <html>")));
         QCOMPARE(text, QStringLiteral("untouched"));
         QCOMPARE(number, -5);
         cJSON_Delete(root);
@@ -291,13 +284,12 @@ private slots:
             us.setSilenceMs(2500);
             m_data->m_nUploadTimeoutSeconds = 1;
         }
-        const QStringList before = fields(kKeep);
         m_data->m_strOSSphere = m_data->m_strODSphere = m_data->m_strOSCylinder = m_data->m_strODCylinder =
             m_data->m_strPupilDistance = m_data->m_strOSAxis = m_data->m_strODAxis = QStringLiteral("keep");
         m_data->m_strLastError = QStringLiteral("stale");
 
         QVERIFY(!m_data->uploadAVIFile());
-        QCOMPARE(result(), before);
+        QCOMPARE(result(), fields(kKeep));
         QCOMPARE(m_data->m_nWifiChanged.load(), 1);
         QCOMPARE(m_data->m_bNoResponse, noResponse);
         QCOMPARE(m_data->m_strLastError, noResponse ? GData::tr("No response from the analysis server.")
@@ -353,15 +345,7 @@ private slots:
     void defaultAnswerFollowsTheSimulatedChild()
     {
         REQUIRE_SERVERS();
-        SimulatedWorld::Refraction child;
-        child.osSphere = -1.25;
-        child.odSphere = 2.0;
-        child.osCylinder = -0.75;
-        child.odCylinder = -1.5;
-        child.pupilDistance = 61;
-        child.osAxis = 12;
-        child.odAxis = 170;
-        SimulatedWorld::instance().setRefraction(child);
+        SimulatedWorld::instance().setRefraction({-1.25, 2.0, -0.75, -1.5, 61, 12, 170});
         QVERIFY(m_data->uploadAVIFile());
         QCOMPARE(m_data->m_strPhotoResult, QStringLiteral("x,-1.25,+2.00,-0.75,-1.50,61,12,170"));
         QCOMPARE(result(), (QStringList{"-1.25", "+2.00", "-0.75", "-1.50", "61", "17", "165"}));

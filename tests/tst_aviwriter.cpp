@@ -270,17 +270,13 @@ private slots:
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<QByteArray>("text");
-        // The codes the writer sets, and the ends of the table.
+        // Either side of the codes that carry the system's reason (opening
+        // is checked above), and codes outside the table.
         const std::pair<int, const char *> rows[] = {
-            {0, "No Error"},
             {1, "AVI file size limit reached"},
-            {2, "Error opening AVI file"},
-            {4, "Error writing to AVI file"},
             {5, "Error writing index (file may still be useable)"},
             {6, "Error closing AVI file"},
             {7, "Operation (read/write) not permitted"},
-            {8, "Out of memory (malloc failed)"},
-            {13, "operation needs an index"},
             {14, "Unkown Error"},
             {-1, "Unkown Error"},
         };
@@ -306,25 +302,15 @@ private slots:
 
     // --- normal operation ---
 
-    void openThenCloseGivesAnEmptyRecording()
-    {
-        const QString file = path("empty.avi");
-        avi_t *avi = AVI_open_output_file(QFile::encodeName(file).constData());
-        QVERIFY(avi);
-        QCOMPARE(AVI_close(avi), 0);
-
-        const QByteArray bytes = readAll(file);
-        QCOMPARE(bytes.size(), 2056);
-        QCOMPARE(u32At(bytes, 4), quint32(2048));   // RIFF length
-        QCOMPARE(u32At(bytes, 44), quint32(0x110)); // interleaved, with index
-        QCOMPARE(u32At(bytes, 48), quint32(0));     // frames
-        QCOMPARE(bytes.mid(2036, 12), "LIST" + le32(4) + "movi");
-        QCOMPARE(bytes.mid(2048), "idx1" + le32(0));
-    }
-
     void finalRecordingMatchesTheReferenceWithOddFramesPadded()
     {
+        // The device reuses one path: a longer old recording must leave no bytes behind.
         const QString file = path("pupil_video.avi");
+        {
+            QFile old(file);
+            QVERIFY(old.open(QIODevice::WriteOnly));
+            QCOMPARE(old.write(QByteArray("stale ").repeated(2000)), qint64(12000));
+        }
         avi_t *avi = openRecording(file);
         QVERIFY(avi);
         QCOMPARE(AVI_write_frame(avi, "abc", 3, 1), 0);
@@ -389,23 +375,6 @@ private slots:
             QCOMPARE(bytes.mid(188, 4), fourcc);
             QCOMPARE(u32At(bytes, 192), quint32(640 * 480 * 3));
         }
-    }
-
-    void reusedPathKeepsNoStaleBytes()
-    {
-        const QString file = path("pupil_video.avi");
-        {
-            QFile old(file);
-            QVERIFY(old.open(QIODevice::WriteOnly));
-            QCOMPARE(old.write(QByteArray("stale ").repeated(2000)), qint64(12000));
-        }
-        avi_t *avi = openRecording(file);
-        QVERIFY(avi);
-        QCOMPARE(AVI_write_frame(avi, "0123456789", 10, 1), 0);
-        QCOMPARE(AVI_close(avi), 0);
-
-        const QString problem = compareRecording(readAll(file), 1, chunk("0123456789"), indexEntry(0x10, 2048, 10));
-        VERIFY_EMPTY(problem);
     }
 };
 

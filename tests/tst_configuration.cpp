@@ -59,36 +59,35 @@ private slots:
 
     // --- failure paths: missing, empty, short, long, malformed, unwritable ---
 
-    void missingOrEmptyFileGivesDefaultsWrittenBack_data()
+    // Whatever is missing takes its default, and the file is written back whole.
+    void missingValuesTakeDefaultsWrittenBack_data()
     {
-        QTest::addColumn<bool>("createEmptyFile");
-        QTest::newRow("missing") << false;
-        QTest::newRow("empty") << true;
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QByteArray>("rewritten");
+        QTest::addColumn<int>("exposure");
+        QTest::addColumn<int>("gain");
+        QTest::newRow("missing") << QByteArray() << QByteArray(kDefaultLine) << 225 << 1;
+        QTest::newRow("empty") << QByteArray("") << QByteArray(kDefaultLine) << 225 << 1;
+        QTest::newRow("short") << QByteArray("300|2") << "300|2" + QByteArray(kDefaultLine).mid(5) << 300 << 2;
     }
 
-    void missingOrEmptyFileGivesDefaultsWrittenBack()
+    void missingValuesTakeDefaultsWrittenBack()
     {
-        QFETCH(bool, createEmptyFile);
-        if (createEmptyFile)
-            writeConfig(QByteArray());
+        QFETCH(QByteArray, file);
+        QFETCH(QByteArray, rewritten);
+        QFETCH(int, exposure);
+        QFETCH(int, gain);
+        if (!file.isNull())
+            writeConfig(file);
         auto data = startGData();
-        QCOMPARE(configOnDisk(), QByteArray(kDefaultLine));
-        QCOMPARE(data->m_nExposure, 225);
+        QCOMPARE(configOnDisk(), rewritten);
+        QCOMPARE(data->m_nExposure, exposure);
+        QCOMPARE(data->m_nGain, gain);
+        QCOMPARE(data->m_nExposureSaved, exposure);
+        QCOMPARE(data->m_nGainSaved, gain);
         QCOMPARE(data->m_nLedLoop, 5);
         QCOMPARE(data->m_nScreenOffMinutes, -1);
         QCOMPARE(data->m_pCamCfg->value(CamCfg::Language), QStringLiteral("English"));
-    }
-
-    void shortFileTakesDefaultsAndIsRewrittenInFull()
-    {
-        writeConfig("300|2");
-        auto data = startGData();
-        QCOMPARE(data->m_nExposure, 300);
-        QCOMPARE(data->m_nGain, 2);
-        QCOMPARE(data->m_nExposureSaved, 300);
-        QCOMPARE(data->m_nGainSaved, 2);
-        QCOMPARE(data->m_nSetting3, 50);
-        QCOMPARE(configOnDisk(), QByteArray("300|2") + QByteArray(kDefaultLine).mid(5));
     }
 
     void longFileKeepsFirst21AndIsNotRewritten()
@@ -119,68 +118,35 @@ private slots:
         QCOMPARE(data->m_bAutoCapture, 0);
     }
 
-    void calibrationFileOverridesPositions18And19()
-    {
-        writeConfig("225|1|50|5|5|1920*1080|h:15000|0|-1|-1|0|0|English|bt|||0|7|8|0|a@b");
-        writeCalibration("12,-3\n");
-        LogCapture log;
-        auto data = startGData();
-        QVERIFY(log.contains(QStringLiteral("getSensorCalibrationData return : true")));
-        QCOMPARE(data->m_nDistanceOffset, 12);
-        QCOMPARE(data->m_nPitchOffset, -3);
-        QCOMPARE(data->m_pCamCfg->value(CamCfg::DistanceOffset), QStringLiteral("12"));
-        QCOMPARE(data->m_pCamCfg->value(CamCfg::PitchOffset), QStringLiteral("-3"));
-        // Applied in memory only: the settings file keeps its own values.
-        QVERIFY(configOnDisk().endsWith("|0|7|8|0|a@b"));
-    }
-
-    void malformedOrMissingCalibrationKeepsConfigValues_data()
+    // The calibration file overrides the offsets in memory only; anything but
+    // two numbers leaves those of the settings file.
+    void calibrationFileOverridesTheOffsets_data()
     {
         QTest::addColumn<QByteArray>("calibration");
-        QTest::addColumn<bool>("present");
-        QTest::newRow("one number") << QByteArray("12\n") << true;
-        QTest::newRow("three numbers") << QByteArray("1,2,3\n") << true;
-        QTest::newRow("empty") << QByteArray() << true;
-        QTest::newRow("missing") << QByteArray() << false;
+        QTest::addColumn<int>("distance");
+        QTest::addColumn<int>("pitch");
+        QTest::newRow("pair") << QByteArray("12,-3\n") << 12 << -3;
+        QTest::newRow("padded") << QByteArray("  -40,15 \n\n") << -40 << 15;
+        QTest::newRow("one number") << QByteArray("12\n") << 8 << 7;
+        QTest::newRow("three numbers") << QByteArray("1,2,3\n") << 8 << 7;
+        QTest::newRow("empty") << QByteArray("") << 8 << 7;
+        QTest::newRow("missing") << QByteArray() << 8 << 7;
     }
 
-    void malformedOrMissingCalibrationKeepsConfigValues()
+    void calibrationFileOverridesTheOffsets()
     {
         QFETCH(QByteArray, calibration);
-        QFETCH(bool, present);
+        QFETCH(int, distance);
+        QFETCH(int, pitch);
         writeConfig("225|1|50|5|5|1920*1080|h:15000|0|-1|-1|0|0|English|bt|||0|7|8|0|a@b");
-        if (present)
+        if (!calibration.isNull())
             writeCalibration(calibration);
-        LogCapture log;
         auto data = startGData();
-        QVERIFY(log.contains(QStringLiteral("getSensorCalibrationData return : false")));
-        QCOMPARE(data->m_nPitchOffset, 7);
-        QCOMPARE(data->m_nDistanceOffset, 8);
-        QCOMPARE(data->m_pCamCfg->value(CamCfg::PitchOffset), QStringLiteral("7"));
-    }
-
-    void calibrationReaderReportsWhatItSaw()
-    {
-        LogCapture log;
-        sensor_calibrate_data_t out;
-        out.distance_offset = 5;
-        out.pitch_offset = 6;
-        const QString missing = m_device->root() + QStringLiteral("/nowhere.txt");
-        QVERIFY(!sensorcalibration::read(missing, out));
-        QCOMPARE(out.distance_offset, 0);
-        QCOMPARE(out.pitch_offset, 0);
-        QVERIFY(log.contains(QStringLiteral("Unable to open calibration file for reading: \"%1\"").arg(missing)));
-
-        writeCalibration("1,2,3");
-        out.distance_offset = 5;
-        QVERIFY(!sensorcalibration::read(m_device->calibrationFile(), out));
-        QCOMPARE(out.distance_offset, 5);
-        QVERIFY(log.contains(QStringLiteral("Invalid calibration file format: \"1,2,3\"")));
-
-        writeCalibration("  -40,15 \n\n");
-        QVERIFY(sensorcalibration::read(m_device->calibrationFile(), out));
-        QCOMPARE(out.distance_offset, -40);
-        QCOMPARE(out.pitch_offset, 15);
+        QCOMPARE(data->m_nDistanceOffset, distance);
+        QCOMPARE(data->m_nPitchOffset, pitch);
+        QCOMPARE(data->m_pCamCfg->value(CamCfg::DistanceOffset), QString::number(distance));
+        QCOMPARE(data->m_pCamCfg->value(CamCfg::PitchOffset), QString::number(pitch));
+        QVERIFY(configOnDisk().endsWith("|0|7|8|0|a@b"));
     }
 
     void saveIntoUnwritableFolderFailsButKeepsValues()
@@ -194,14 +160,11 @@ private slots:
         CamCfg &cfg = *data->m_pCamCfg;
         cfg.setValue(CamCfg::Language, QStringLiteral("Chinese"));
         cfg.dogenCurrentCFG();
-        LogCapture log;
         QCOMPARE(cfg.saveCFG2File(), QStringLiteral("0"));
         QCOMPARE(cfg.value(CamCfg::Language), QStringLiteral("Chinese"));
         QCOMPARE(cfg.readCFG4File(), QString());
 
-        sensor_calibrate_data_t calibration;
-        QVERIFY(!data->setSensorCalibrationData(calibration));
-        QVERIFY(log.contains(QStringLiteral("Unable to open calibration file for writing:")));
+        QVERIFY(!data->setSensorCalibrationData(sensor_calibrate_data_t()));
     }
 
     void interruptedWriteLeavesOldFileIntact()

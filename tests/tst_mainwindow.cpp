@@ -9,25 +9,8 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QTest>
-
-#include <functional>
-
-namespace {
-
-void pressMiddle(QWidget *box)
-{
-    pressButton(box, "buttonMiddle1");
-}
-
-void pressLeft(QWidget *box)
-{
-    pressButton(box, "buttonLeft1");
-}
-
-} // namespace
 
 class TestMainWindow : public QObject, private WindowFixture
 {
@@ -54,6 +37,15 @@ private:
         widget<QStackedWidget>("stackedWidgetMain")->setCurrentIndex(0);
     }
 
+    // Collects the texts of the message boxes that open and dismisses each with its middle button.
+    static ModalResponder collect(QStringList &shown)
+    {
+        return ModalResponder([&shown](QWidget *box) {
+            shown << messageText(box);
+            pressButton(box, "buttonMiddle1");
+        });
+    }
+
 private slots:
     void init()
     {
@@ -73,7 +65,7 @@ private slots:
 
     // --- idle handling ---
 
-    void nothingIsTimedBeforeTheNetworkTime()
+    void nothingIsTimedBeforeTheNetworkTimeThenPowerOffWins()
     {
         m_data->m_bNetworkReady = 0;
         m_data->m_nScreenOffMinutes = 1;
@@ -84,44 +76,30 @@ private slots:
         tick();
         QVERIFY(m_data->isScreenOn());
         QVERIFY(!poweredOff());
-        // Once the time is known, idle time counts from the next tick only.
+        // Once the time is known, idle time counts from the next tick only;
+        // with both timers equal the device powers off without dimming first.
         m_data->m_bNetworkReady = 1;
-        tick();
-        advance(60);
-        tick();
-        QVERIFY(!poweredOff());
-        advance(1);
-        tick();
-        QVERIFY(poweredOff());
-    }
-
-    void neverSettingsNeverDimOrPowerOff()
-    {
-        QCOMPARE(m_data->m_nScreenOffMinutes, -1);
-        QCOMPARE(m_data->m_nPowerOffMinutes, -1);
-        tick();
-        advance(48 * 3600);
-        tick();
-        QVERIFY(m_data->isScreenOn());
-        QVERIFY(m_device->events().isEmpty());
-    }
-
-    void powerOffWinsOverScreenOff()
-    {
-        m_data->m_nScreenOffMinutes = 1;
-        m_data->m_nPowerOffMinutes = 1;
         LogCapture log;
         tick();
         const qint64 start = m_nowMs / 1000;
         advance(60);
         tick();
         QVERIFY(!poweredOff());
-        QVERIFY(m_data->isScreenOn());
         advance(1);
         tick();
         QVERIFY(poweredOff());
         QVERIFY(m_data->isScreenOn());
         QVERIFY(log.contains(QStringLiteral("shutdown 61 %1 1").arg(start)));
+    }
+
+    void neverSettingsNeverDimOrPowerOff()
+    {
+        m_data->m_nScreenOffMinutes = m_data->m_nPowerOffMinutes = -1;
+        tick();
+        advance(48 * 3600);
+        tick();
+        QVERIFY(m_data->isScreenOn());
+        QVERIFY(m_device->events().isEmpty());
     }
 
     void screenGoesDarkThenATouchOnlyWakesIt()
@@ -162,10 +140,7 @@ private slots:
         advance(11);
         tick();
         QVERIFY(poweredOff());
-    }
 
-    void powerKeyWakesTheScreen()
-    {
         m_data->screenOff();
         pressKey(Qt::Key_PowerDown);
         QVERIFY(m_data->isScreenOn());
@@ -180,14 +155,14 @@ private slots:
         {
             ModalResponder no([](QWidget *box) {
                 QCOMPARE(messageText(box), QStringLiteral("Power Off"));
-                QTest::mouseClick(box->findChild<QPushButton *>(QStringLiteral("buttonRight1")), Qt::LeftButton);
+                pressButton(box, "buttonRight1");
             });
             click("buttonReboot");
             QCOMPARE(no.count(), 1);
         }
         QVERIFY(!poweredOff());
         SimulatedWorld::instance().irLight = true;
-        ModalResponder yes(pressLeft);
+        ModalResponder yes([](QWidget *box) { pressButton(box, "buttonLeft1"); });
         click("buttonReboot");
         QVERIFY(poweredOff());
         QVERIFY(!SimulatedWorld::instance().irLight);
@@ -221,16 +196,6 @@ private slots:
         }
     }
 
-    void startPageGoesToTheMenuOnceJoined()
-    {
-        // The simulated supplicant joins its saved network after the join time.
-        QTest::qWait(300);
-        tick();
-        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
-        QCOMPARE(widget<QStackedWidget>("stackedWidgetWithMenu")->currentWidget()->objectName(),
-                 QStringLiteral("pageInfoInput"));
-    }
-
     // --- navigation ---
 
     void everyPageIsReachableAndLeadsBack_data()
@@ -238,27 +203,11 @@ private slots:
         QTest::addColumn<QString>("row");
         QTest::addColumn<QString>("page");
         QTest::addColumn<QString>("back");
-        QTest::newRow("Wi-Fi") << "buttonWifiSetting"
-                               << "pageWIFI"
-                               << "buttonWifiReturn";
-        QTest::newRow("time zone") << "buttonTimeZoneSetting"
-                                   << "pageTimeZone"
-                                   << "buttonTimeZoneReturn";
-        QTest::newRow("power timers") << "buttonSleepTimeSetting"
-                                      << "pageSleepTime"
-                                      << "buttonSleepTimeReturn";
-        QTest::newRow("region") << "buttonCountrySetting"
-                                << "pageCountry"
-                                << "buttonCountryReturn";
-        QTest::newRow("referral") << "buttonReferralSetting"
-                                  << "pageReferral"
-                                  << "buttonReferralReturn";
-        QTest::newRow("parameters") << "buttonParamSetting"
-                                    << "pageParam"
-                                    << "buttonParamReturn";
-        QTest::newRow("machine id") << "buttonMachineIDSetting"
-                                    << "pageMachineID"
-                                    << "buttonMachineIDReturn";
+        for (const char *name : {"Wifi", "TimeZone", "SleepTime", "Country", "Referral", "Param", "MachineID"}) {
+            const QString page = QString::fromLatin1(name);
+            QTest::newRow(name) << "button" + page + "Setting"
+                                << "page" + (page == "Wifi" ? "WIFI" : page) << "button" + page + "Return";
+        }
     }
 
     void everyPageIsReachableAndLeadsBack()
@@ -266,7 +215,13 @@ private slots:
         QFETCH(QString, row);
         QFETCH(QString, page);
         QFETCH(QString, back);
-        QTest::qWait(300); // joined, so the Wi-Fi page leads back to the settings
+        // The simulated supplicant joins its saved network after the join
+        // time; the start page then gives way to the details page.
+        QTest::qWait(300);
+        tick();
+        QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
+        QCOMPARE(widget<QStackedWidget>("stackedWidgetWithMenu")->currentWidget()->objectName(),
+                 QStringLiteral("pageInfoInput"));
         openOnMenuPages();
         click("buttonSetup");
         QCOMPARE(noMenuPage()->objectName(), QStringLiteral("pageSetup"));
@@ -312,35 +267,21 @@ private slots:
 
     // --- battery label ---
 
-    void batteryLevelsFollowThePercentage_data()
+    void onBatteryTheLevelFollowsThePercentageAndWarnsOnceUntilRecharged()
     {
-        QTest::addColumn<int>("percent");
-        QTest::addColumn<int>("level");
-        const int table[][2] = {{100, 5}, {99, 4}, {80, 4}, {79, 3}, {60, 3}, {59, 2},
-                                {40, 2},  {39, 1}, {20, 1}, {19, 0}, {0, 0}};
-        for (const auto &row : table)
-            QTest::addRow("%d%%", row[0]) << row[0] << row[1];
-    }
-
-    void batteryLevelsFollowThePercentage()
-    {
-        QFETCH(int, percent);
-        QFETCH(int, level);
-        bool armed = false;
-        QCOMPARE(batterylevel::next(3, armed, percent, false).level, level);
-    }
-
-    void lowBatteryWarnsOnceUntilRecharged()
-    {
-        bool armed = true;
+        // Between 20 % and 30 % the warning stays as it was.
         const struct
         {
-            int percent;
+            int percent, level;
             bool warn;
-        } steps[] = {{50, false}, {19, true},  {18, false}, {25, false}, {19, false},
-                     {30, false}, {19, false}, {31, false}, {19, true},  {5, false}};
-        for (const auto &step : steps)
-            QCOMPARE(batterylevel::next(0, armed, step.percent, false).warn, step.warn);
+        } steps[] = {{100, 5, false}, {99, 4, false}, {80, 4, false}, {79, 3, false}, {60, 3, false}, {59, 2, false},
+                     {40, 2, false},  {39, 1, false}, {20, 1, false}, {19, 0, true},  {18, 0, false}, {25, 1, false},
+                     {19, 0, false},  {30, 1, false}, {19, 0, false}, {31, 1, false}, {19, 0, true},  {0, 0, false}};
+        bool armed = true;
+        for (const auto &step : steps) {
+            const batterylevel::Step next = batterylevel::next(3, armed, step.percent, false);
+            QVERIFY2(next.level == step.level && next.warn == step.warn, qPrintable(QString::number(step.percent)));
+        }
     }
 
     void chargingClimbsFromItsFloor_data()
@@ -374,10 +315,7 @@ private slots:
         openOnMenuPages();
         SimulatedWorld::instance().batteryPercent = 19;
         QStringList shown;
-        ModalResponder responder([&shown](QWidget *box) {
-            shown << messageText(box);
-            pressMiddle(box);
-        });
+        const ModalResponder responder = collect(shown);
         for (int i = 0; i < 7 * 3; ++i)
             tick();
         QCOMPARE(shown, QStringList{QStringLiteral("Low Battery/20% battery remaining")});
@@ -386,18 +324,6 @@ private slots:
     }
 
     // --- patient details ---
-
-    void newPatientStartsMaleWithPrompts()
-    {
-        QCOMPARE(int(m_data->m_nSex), 1);
-        QCOMPARE(m_data->m_dateBirthday, QDate(2020, 12, 31));
-        QCOMPARE(widget<QLineEdit>("editName")->text(), QStringLiteral("Please enter your name"));
-        QCOMPARE(widget<QLineEdit>("editDate")->text(), QStringLiteral("Year-Month-Date"));
-        click("buttonFemale");
-        QCOMPARE(int(m_data->m_nSex), 0);
-        click("buttonResultNext");
-        QCOMPARE(int(m_data->m_nSex), 1);
-    }
 
     void secondPressOnTheNameKeepsIt()
     {
@@ -442,7 +368,7 @@ private slots:
                 dialog->close();
             } else {
                 messages << messageText(dialog);
-                pressMiddle(dialog);
+                pressButton(dialog, "buttonMiddle1");
             }
         });
         QTest::mouseClick(date, Qt::LeftButton);
@@ -459,12 +385,14 @@ private slots:
 
     void screeningNeedsANameAndABirthday()
     {
+        // A new patient starts male, with prompts in the fields.
+        QCOMPARE(int(m_data->m_nSex), 1);
+        QCOMPARE(m_data->m_dateBirthday, QDate(2020, 12, 31));
+        QCOMPARE(widget<QLineEdit>("editName")->text(), QStringLiteral("Please enter your name"));
+        QCOMPARE(widget<QLineEdit>("editDate")->text(), QStringLiteral("Year-Month-Date"));
         openOnMenuPages();
         QStringList messages;
-        ModalResponder responder([&messages](QWidget *box) {
-            messages << messageText(box);
-            pressMiddle(box);
-        });
+        const ModalResponder responder = collect(messages);
         widget<QLineEdit>("editName")->setText(QStringLiteral("   "));
         click("buttonCamera");
         widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
@@ -481,6 +409,10 @@ private slots:
         QCOMPARE(widget<QLabel>("labelNameValue")->text(), QStringLiteral("Amy"));
         click("buttonCameraReturn");
         QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
+        // The next patient starts male again.
+        click("buttonFemale");
+        click("buttonResultNext");
+        QCOMPARE(int(m_data->m_nSex), 1);
     }
 };
 

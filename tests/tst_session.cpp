@@ -32,14 +32,29 @@ private:
         m_data->m_nPreviewBrightness = static_cast<unsigned int>(brightness);
     }
 
-    // From the details page to the camera page, as the operator does it.
-    void openCameraPage()
+    int basePage() const { return widget<QStackedWidget>("stackedWidgetBase")->currentIndex(); }
+
+    // Collects the texts of the message boxes that open and dismisses each with its middle button.
+    static ModalResponder collect(QStringList &shown)
+    {
+        return ModalResponder([&shown](QWidget *box) {
+            shown << messageText(box);
+            pressButton(box, "buttonMiddle1");
+        });
+    }
+
+    // The details filled in and the camera button pressed, as the operator does it.
+    void pressCamera()
     {
         widget<QStackedWidget>("stackedWidgetBase")->setCurrentIndex(MainDialog::BasePageMenu);
         widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
         widget<QLineEdit>("editDate")->setText(QStringLiteral("2019-03-02"));
         click("buttonCamera");
-        QCOMPARE(widget<QStackedWidget>("stackedWidgetBase")->currentIndex(), int(MainDialog::BasePageCamera));
+    }
+    void openCameraPage()
+    {
+        pressCamera();
+        QCOMPARE(basePage(), int(MainDialog::BasePageCamera));
         QCOMPARE(m_data->m_nCameraMode.load(), 1);
     }
 
@@ -83,35 +98,26 @@ private slots:
 
     // --- the session cannot start ---
 
-    void noNetworkTimeNoCamera()
+    void sessionCannotStart_data()
     {
-        m_data->m_bNetworkReady = 0;
-        widget<QStackedWidget>("stackedWidgetBase")->setCurrentIndex(MainDialog::BasePageMenu);
-        widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
-        QStringList messages;
-        ModalResponder answer([&messages](QWidget *box) {
-            messages << messageText(box);
-            pressButton(box, "buttonMiddle1");
-        });
-        click("buttonCamera");
-        QCOMPARE(messages, QStringList{QStringLiteral("Error/Network is not ready!")});
-        QCOMPARE(m_data->m_nCameraMode.load(), 0);
+        QTest::addColumn<bool>("networkTime");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no network time") << false << "Error/Network is not ready!";
+        QTest::newRow("no camera") << true << "Error/Camera Open Failed!";
     }
 
-    void missingCameraIsReported()
+    void sessionCannotStart()
     {
-        SimulatedCamera::instance().setPresent(false);
-        widget<QStackedWidget>("stackedWidgetBase")->setCurrentIndex(MainDialog::BasePageMenu);
-        widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
-        widget<QLineEdit>("editDate")->setText(QStringLiteral("2019-03-02"));
+        QFETCH(bool, networkTime);
+        QFETCH(QString, message);
+        m_data->m_bNetworkReady = networkTime;
+        SimulatedCamera::instance().setPresent(!networkTime);
         QStringList messages;
-        ModalResponder answer([&messages](QWidget *box) {
-            messages << messageText(box);
-            pressButton(box, "buttonMiddle1");
-        });
-        click("buttonCamera");
-        QCOMPARE(messages, QStringList{QStringLiteral("Error/Camera Open Failed!")});
-        QCOMPARE(widget<QStackedWidget>("stackedWidgetBase")->currentIndex(), int(MainDialog::BasePageMenu));
+        const ModalResponder answer = collect(messages);
+        pressCamera();
+        QCOMPARE(messages, QStringList{message});
+        QCOMPARE(m_data->m_nCameraMode.load(), 0);
+        QCOMPARE(basePage(), int(MainDialog::BasePageMenu));
     }
 
     // --- aiming guidance ---
@@ -190,17 +196,23 @@ private slots:
         tick();
         QVERIFY(shown("labelBrightnessValue"));
         QVERIFY(shown("labelLineC1_2"));
-        m_data->m_bTorchOn = 0;
     }
 
     // --- capture ---
 
-    void elevenSteadyTicksCapture()
+    void elevenSteadyTicksCaptureOnceAutoCaptureIsOn()
     {
-        m_data->m_bAutoCapture = 1;
         openCameraPage();
-        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO ON"));
+        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO OFF"));
         aim(97, 0, 5);
+        for (int i = 0; i < 30; ++i)
+            tick();
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+        // The switch is a setting, saved at once.
+        click("buttonFocusAuto");
+        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO ON"));
+        QVERIFY(TestDevice::readFile(m_device->configFile()).contains("|||1|"));
+
         for (int i = 0; i < 10; ++i)
             tick();
         // One bad tick: the count starts again.
@@ -219,28 +231,11 @@ private slots:
         QVERIFY(QFile::exists(Platform::instance().recordingFile));
     }
 
-    void autoCaptureOffNeverCaptures()
-    {
-        openCameraPage();
-        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO OFF"));
-        aim(97, 0, 5);
-        for (int i = 0; i < 30; ++i)
-            tick();
-        QCOMPARE(m_data->m_nCameraMode.load(), 1);
-        // The switch is a setting, saved at once.
-        click("buttonFocusAuto");
-        QCOMPARE(widget<QPushButton>("buttonFocusAuto")->text(), QStringLiteral("AUTO ON"));
-        QVERIFY(TestDevice::readFile(m_device->configFile()).contains("|||1|"));
-    }
-
     void manualCaptureChecksPitchAndLightOnly()
     {
         openCameraPage();
         QStringList messages;
-        ModalResponder answer([&messages](QWidget *box) {
-            messages << messageText(box);
-            pressButton(box, "buttonMiddle1");
-        });
+        const ModalResponder answer = collect(messages);
         aim(150, 9, 5);
         click("buttonPhoto");
         aim(150, 0, 30);
@@ -258,10 +253,7 @@ private slots:
     {
         openCameraPage();
         QStringList messages;
-        ModalResponder answer([&messages](QWidget *box) {
-            messages << messageText(box);
-            pressButton(box, "buttonMiddle1");
-        });
+        const ModalResponder answer = collect(messages);
         aim(97, 0, 40);
         click("buttonFlash");
         QVERIFY(!m_data->m_bTorchOn);
@@ -314,7 +306,7 @@ private slots:
         QMetaObject::invokeMethod(m_window.get(), "video_thread_slot", Qt::DirectConnection, Q_ARG(int, 0));
         QCOMPARE(messages, QStringList{QStringLiteral("Error/") + message});
         QCOMPARE(m_data->m_nCameraMode.load(), 1);
-        QCOMPARE(widget<QStackedWidget>("stackedWidgetBase")->currentIndex(), int(MainDialog::BasePageCamera));
+        QCOMPARE(basePage(), int(MainDialog::BasePageCamera));
         for (const char *button : {"buttonFocusAuto", "buttonFlash", "buttonPhoto", "buttonCameraReturn"})
             QVERIFY2(widget<QPushButton>(button)->isEnabled(), button);
         QCOMPARE(history(), QString());
@@ -325,15 +317,7 @@ private slots:
         auto server = startServer();
         if (!server)
             QSKIP("cannot listen on 127.0.0.47:15000");
-        SimulatedWorld::Refraction refraction;
-        refraction.osSphere = -2.5;
-        refraction.odSphere = -0.75;
-        refraction.osCylinder = -1.25;
-        refraction.odCylinder = 0.25;
-        refraction.pupilDistance = 61;
-        refraction.osAxis = 44;
-        refraction.odAxis = 120;
-        SimulatedWorld::instance().setRefraction(refraction);
+        SimulatedWorld::instance().setRefraction({-2.5, -0.75, -1.25, 0.25, 61, 44, 120});
         // The real threads this time, with the camera at its own pace.
         m_window.reset();
         SimulatedCamera::instance().setPaced(true);

@@ -296,11 +296,7 @@ private slots:
                  {"[WPA2-PSK-CCMP][ESS]", "[ESS]", "[WEP][ESS]", "[WPA-PSK-TKIP][ESS]"}, {"Saved", "Elsewhere"},
                  QStringLiteral("Current"));
         QStandardItemModel *rows = showTable(false);
-        QStringList columns;
-        for (int column = 0; column < rows->columnCount(); ++column)
-            columns << rows->headerData(column, Qt::Horizontal).toString();
-        QCOMPARE(columns, QStringList({"status", "ssid", "mode", "signal", "information", "statusnumber", "modenumber",
-                                       "informationnumber"}));
+        QCOMPARE(rows->columnCount(), 8);
         for (int column = 0; column < 8; ++column)
             QCOMPARE(table()->isColumnHidden(column), column >= 5);
         QCOMPARE(rows->rowCount(), 4);
