@@ -37,15 +37,6 @@ private:
         widget<QStackedWidget>("stackedWidgetMain")->setCurrentIndex(0);
     }
 
-    // Collects the texts of the message boxes that open and dismisses each with its middle button.
-    static ModalResponder collect(QStringList &shown)
-    {
-        return ModalResponder([&shown](QWidget *box) {
-            shown << messageText(box);
-            pressButton(box, "buttonMiddle1");
-        });
-    }
-
 private slots:
     void init()
     {
@@ -315,7 +306,7 @@ private slots:
         openOnMenuPages();
         SimulatedWorld::instance().batteryPercent = 19;
         QStringList shown;
-        const ModalResponder responder = collect(shown);
+        const ModalResponder responder = collectMessages(shown);
         for (int i = 0; i < 7 * 3; ++i)
             tick();
         QCOMPARE(shown, QStringList{QStringLiteral("Low Battery/20% battery remaining")});
@@ -392,7 +383,7 @@ private slots:
         QCOMPARE(widget<QLineEdit>("editDate")->text(), QStringLiteral("Year-Month-Date"));
         openOnMenuPages();
         QStringList messages;
-        const ModalResponder responder = collect(messages);
+        const ModalResponder responder = collectMessages(messages);
         widget<QLineEdit>("editName")->setText(QStringLiteral("   "));
         click("buttonCamera");
         widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));

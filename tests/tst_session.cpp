@@ -34,15 +34,6 @@ private:
 
     int basePage() const { return widget<QStackedWidget>("stackedWidgetBase")->currentIndex(); }
 
-    // Collects the texts of the message boxes that open and dismisses each with its middle button.
-    static ModalResponder collect(QStringList &shown)
-    {
-        return ModalResponder([&shown](QWidget *box) {
-            shown << messageText(box);
-            pressButton(box, "buttonMiddle1");
-        });
-    }
-
     // The details filled in and the camera button pressed, as the operator does it.
     void pressCamera()
     {
@@ -113,7 +104,7 @@ private slots:
         m_data->m_bNetworkReady = networkTime;
         SimulatedCamera::instance().setPresent(!networkTime);
         QStringList messages;
-        const ModalResponder answer = collect(messages);
+        const ModalResponder answer = collectMessages(messages);
         pressCamera();
         QCOMPARE(messages, QStringList{message});
         QCOMPARE(m_data->m_nCameraMode.load(), 0);
@@ -235,7 +226,7 @@ private slots:
     {
         openCameraPage();
         QStringList messages;
-        const ModalResponder answer = collect(messages);
+        const ModalResponder answer = collectMessages(messages);
         aim(150, 9, 5);
         click("buttonPhoto");
         aim(150, 0, 30);
@@ -253,7 +244,7 @@ private slots:
     {
         openCameraPage();
         QStringList messages;
-        const ModalResponder answer = collect(messages);
+        const ModalResponder answer = collectMessages(messages);
         aim(97, 0, 40);
         click("buttonFlash");
         QVERIFY(!m_data->m_bTorchOn);

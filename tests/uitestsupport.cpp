@@ -116,3 +116,11 @@ void pressButton(QWidget *dialog, const char *name)
     }
     QTest::mouseClick(button, Qt::LeftButton);
 }
+
+ModalResponder collectMessages(QStringList &shown)
+{
+    return ModalResponder([&shown](QWidget *box) {
+        shown << messageText(box);
+        pressButton(box, "buttonMiddle1");
+    });
+}

@@ -10,6 +10,7 @@
 
 #include <QElapsedTimer>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <functional>
@@ -85,6 +86,9 @@ private:
 
 // The visible texts of a message box, "title/message" or the lone title.
 QString messageText(QWidget *box);
+
+// Answers every message box by its middle button, keeping its texts in `shown`.
+ModalResponder collectMessages(QStringList &shown);
 
 // Clicks the named button of a dialog.
 void pressButton(QWidget *dialog, const char *name);
