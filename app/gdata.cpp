@@ -8,11 +8,9 @@
 #include "cmdutil.h"
 #include "common.h"
 #include "devicepower.h"
-#include "linuxdevicepower.h"
 #include "osalqueue.h"
 #include "platform.h"
 #include "powertimers.h"
-#include "simulateddevicepower.h"
 #include "systemclock.h"
 #include "v4l2device.h"
 
@@ -21,9 +19,10 @@
 
 GData *g_pData = nullptr;
 
-GData::GData(CmdUtil *cmdUtil, QObject *parent)
+GData::GData(CmdUtil *cmdUtil, DeviceSet devices, QObject *parent)
     : QObject(parent)
     , m_pCmdUtil(cmdUtil)
+    , m_devices(std::move(devices))
 {
 }
 
@@ -49,16 +48,7 @@ void GData::Init(QApplication *app)
 
 void GData::InitData()
 {
-    const Platform &platform = Platform::instance();
-    if (platform.simulated) {
-        auto power = std::make_unique<SimulatedDevicePower>();
-        power->setFlashParameterPath(platform.ledValueParameter);
-        m_pDevicePower = std::move(power);
-    } else {
-        m_pDevicePower = std::make_unique<LinuxDevicePower>(
-            LinuxDevicePower::Paths{platform.batteryCapacityFile, platform.usbOnlineFile, platform.backlightPowerFile,
-                                    platform.irLedDevice, platform.pitchSensorDevice});
-    }
+    Q_ASSERT_X(m_devices.complete(), "GData::InitData", "start-up hands over every device");
 
     m_pFrameQueue = std::make_unique<OSAL_QUEUE>();
     m_displayBuffer.assign(static_cast<size_t>(kCameraWidth) * kCameraHeight * 2, 0);
@@ -168,47 +158,47 @@ bool GData::backupSensorCalibrationData()
 
 int GData::getBatteryPercent()
 {
-    return m_pDevicePower->batteryPercent();
+    return m_devices.power->batteryPercent();
 }
 
 bool GData::getUSBPresentState()
 {
-    return m_pDevicePower->externalPowerPresent();
+    return m_devices.power->externalPowerPresent();
 }
 
 void GData::screenOn()
 {
-    m_pDevicePower->setScreenOn(true);
+    m_devices.power->setScreenOn(true);
 }
 
 void GData::screenOff()
 {
-    m_pDevicePower->setScreenOn(false);
+    m_devices.power->setScreenOn(false);
 }
 
 bool GData::isScreenOn()
 {
-    return m_pDevicePower->isScreenOn();
+    return m_devices.power->isScreenOn();
 }
 
 void GData::FlashOn()
 {
-    m_pDevicePower->setIrLight(true);
+    m_devices.power->setIrLight(true);
 }
 
 void GData::FlashOff()
 {
-    m_pDevicePower->setIrLight(false);
+    m_devices.power->setIrLight(false);
 }
 
 int GData::getDOF()
 {
-    return m_pDevicePower->pitchDegrees();
+    return m_devices.power->pitchDegrees();
 }
 
 bool GData::sysfileWrite(const QString &path, const QByteArray &text)
 {
-    return m_pDevicePower->sysfileWrite(path, text);
+    return m_devices.power->sysfileWrite(path, text);
 }
 
 void GData::timerVersionCheck()

@@ -2,6 +2,7 @@
 // The one service object: typed settings, session values and every device and network operation.
 #pragma once
 
+#include "deviceset.h"
 #include "sensorcalibration.h"
 
 #include <QDate>
@@ -35,7 +36,9 @@ class GData : public QObject
     Q_OBJECT
 
 public:
-    explicit GData(CmdUtil *cmdUtil, QObject *parent = nullptr);
+    // The devices come from the program's start-up, which alone knows whether
+    // they are the kernel's or the simulator's.
+    GData(CmdUtil *cmdUtil, DeviceSet devices, QObject *parent = nullptr);
     ~GData() override;
 
     void Init(QApplication *app);
@@ -88,7 +91,7 @@ public:
                                         unsigned int sourceHeight, unsigned int outputWidth, unsigned int outputHeight);
     int getCameraRetryCount() const;
     void setCameraRetryCount(int count);
-    // The camera's kernel calls: the simulated driver in the simulator.
+    // The camera's kernel calls, as handed over at start-up.
     VideoIo &cameraIo();
 
     // Blocking HTTP GET into a byte buffer; see gdata_net.cpp.
@@ -185,7 +188,8 @@ public:
     int m_nPitchOffset = 0;       // calibration file, else [18]
     int m_nDistanceOffset = 0;    // calibration file, else [19]
 
-    std::unique_ptr<DevicePower> m_pDevicePower;
+    // The hardware behind the operations above.
+    DeviceSet m_devices;
 
     // Words shared with the worker threads.
     std::atomic<char> m_bNetworkReady{0}; // set once the network time is known

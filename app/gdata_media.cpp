@@ -5,11 +5,9 @@
 #include "avilib.h"
 #include "cameraretry.h"
 #include "cedarxutil.h"
-#include "linuxvideoio.h"
 #include "osalqueue.h"
 #include "platform.h"
 #include "previewconversion.h"
-#include "simulatedcamera.h"
 #include "v4l2device.h"
 
 #include <QDebug>
@@ -21,10 +19,7 @@
 
 VideoIo &GData::cameraIo()
 {
-    if (Platform::instance().simulated)
-        return SimulatedCamera::instance();
-    static LinuxVideoIo kernel;
-    return kernel;
+    return *m_devices.camera;
 }
 
 int GData::V4l2DeviceOpen()

@@ -3,9 +3,7 @@
 #include "gdata.h"
 
 #include "cmdutil.h"
-#include "linuxi2cbus.h"
 #include "platform.h"
-#include "simulatedrangingsensor.h"
 #include "vl53l1x_api.h"
 #include "vl53l1x_platform.h"
 
@@ -30,14 +28,6 @@ constexpr int kSensorSetbackMm = 125;
 constexpr int kUnmeasuredMm = 2000;
 constexpr int kRoundingMm = 5;
 
-I2cBus &rangingSensorBus()
-{
-    if (Platform::instance().simulated)
-        return SimulatedRangingSensor::instance();
-    static LinuxI2cBus kernel;
-    return kernel;
-}
-
 // The kernel's own driver for the chip would hold its address; it goes now
 // and, by its line leaving the start-up script, at every later boot too.
 void removeKernelDriver(CmdUtil *cmdUtil)
@@ -45,9 +35,8 @@ void removeKernelDriver(CmdUtil *cmdUtil)
     if (!cmdUtil)
         return;
     const QString script = Platform::instance().startupScript;
-    // The simulator edits its own copy of the script; left at the device's
-    // path it would edit the host's file, so it edits none.
-    if (!(Platform::instance().simulated && script == Platform().startupScript)) {
+    // No script named: nothing loads the driver at boot.
+    if (!script.isEmpty()) {
         // The path is an argument of its own: no shell sees it.
         QStringList arguments{QStringLiteral("-i"), QStringLiteral("/modprobe vl53l1/d"), script};
         cmdUtil->sendCommand(QStringLiteral("sed"), arguments);
@@ -60,7 +49,7 @@ void removeKernelDriver(CmdUtil *cmdUtil)
 int GData::initRangingSensor(int bus, unsigned char address)
 {
     removeKernelDriver(m_pCmdUtil);
-    vl53l1platform::useBus(rangingSensorBus(), Platform::instance().i2cDevicePattern.toStdString());
+    vl53l1platform::useBus(*m_devices.rangingSensorBus, Platform::instance().i2cDevicePattern.toStdString());
     if (VL53L1X_UltraLite_Linux_I2C_Init(m_nSensorHandle, bus, address) != 0)
         return -1;
 

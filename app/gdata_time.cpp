@@ -21,7 +21,7 @@ void GData::updateTimeFromeWeb()
         return;
     // The clock runs in UTC; the zone is added only where time is shown or stored.
     const qint64 secs = sntppacket::secsSinceEpoch(reply);
-    if (systemclock::forPlatform(platform.simulated).setSecs(secs) != 0) {
+    if (m_devices.clock->setSecs(secs) != 0) {
         qDebug("updateTimeFromeWeb: the clock refused %lld", static_cast<long long>(secs));
         return;
     }

@@ -109,8 +109,6 @@ bool Platform::load(const QString &path, QString *error)
                 *error = QStringLiteral("%1: %2 is not a number").arg(path, key);
         }
     }
-    if (settings.contains(QStringLiteral("devices/simulated")))
-        simulated = settings.value(QStringLiteral("devices/simulated")).toBool();
     return allUsable;
 }
 

@@ -13,8 +13,6 @@ struct Platform
 {
     // Folder holding CAMCFG/ and the update files; empty means the program's own folder.
     QString appDir;
-    // Chooses the simulated device interfaces instead of the kernel's.
-    bool simulated = false;
 
     // Devices.
     QString videoDevice = QStringLiteral("/dev/video0");

@@ -2,6 +2,7 @@
 // Benchmark: the history page's search and refresh over large histories, against cut and sort on the same file.
 #include "benchmark.h"
 #include "cmdutil.h"
+#include "devicefactory.h"
 #include "gdata.h"
 #include "historysearch.h"
 #include "maindialog.h"
@@ -105,14 +106,13 @@ int main(int argc, char *argv[])
 
     QTemporaryDir folder;
     Platform &platform = Platform::instance();
-    platform.simulated = true;
     platform.appDir = folder.path();
     platform.recordingFile = folder.path() + QStringLiteral("/pupil_video.avi");
     QDir().mkpath(folder.path() + QStringLiteral("/CAMCFG"));
     const QString file = folder.path() + QStringLiteral("/CAMCFG/result.txt");
 
     g_pCmdUtil = new CmdUtil;
-    g_pData = new GData(g_pCmdUtil);
+    g_pData = new GData(g_pCmdUtil, makeSimulatedDevices());
     g_pData->Init(&app);
     MainDialog window(nullptr, MainDialog::Workers::DoNotStart);
     window.findChild<QTimer *>(QStringLiteral("timerMain"))->stop();

@@ -3,6 +3,7 @@
 #include "camerathread.h"
 #include "cedarxutil.h"
 #include "cmdutil.h"
+#include "devicefactory.h"
 #include "gdata.h"
 #include "platform.h"
 #include "simulatedcamera.h"
@@ -52,7 +53,6 @@ int main(int argc, char *argv[])
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     QTemporaryDir folder;
     Platform &platform = Platform::instance();
-    platform.simulated = true;
     platform.appDir = folder.path();
     platform.recordingFile = folder.path() + QStringLiteral("/pupil_video.avi");
     platform.cameraRetryFile = folder.path() + QStringLiteral("/camera.txt");
@@ -66,7 +66,7 @@ int main(int argc, char *argv[])
     SimulatedWorld::instance().irLight = true;
 
     CmdUtil cmd;
-    GData data(&cmd);
+    GData data(&cmd, makeSimulatedDevices());
     data.Init(nullptr);
     g_pData = &data;
     CameraThread camera;

@@ -75,13 +75,4 @@ int ProcessClock::setSecs(qint64 secsSinceEpoch)
     return 0;
 }
 
-Clock &forPlatform(bool simulated)
-{
-    static KernelClock kernel;
-    static ProcessClock process;
-    if (simulated)
-        return process;
-    return kernel;
-}
-
 } // namespace systemclock

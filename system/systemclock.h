@@ -44,7 +44,4 @@ public:
     int setSecs(qint64 secsSinceEpoch) override;
 };
 
-// The clock of the platform in force (Platform::simulated); lives as long as the process.
-Clock &forPlatform(bool simulated);
-
 } // namespace systemclock

@@ -40,7 +40,6 @@ TestDevice::TestDevice()
     Platform::resetToDefaults();
     Platform &platform = Platform::instance();
     platform.appDir = appDir();
-    platform.simulated = true;
     // Every file the device writes outside its own folder goes here too.
     const QString sys = simDir() + QStringLiteral("/sys");
     QDir().mkpath(sys);

@@ -2,6 +2,9 @@
 // Shared fixtures: a throw-away device folder, the stand-ins on PATH, captured log lines.
 #pragma once
 
+// Tests hand GData the simulated devices, as the simulator's start-up does.
+#include "devicefactory.h"
+
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>

@@ -74,7 +74,7 @@ private slots:
     void initTestCase()
     {
         m_device = std::make_unique<TestDevice>();
-        m_data = std::make_unique<GData>(nullptr);
+        m_data = std::make_unique<GData>(nullptr, makeSimulatedDevices());
         m_data->m_pCommon = new common(m_data.get());
         m_mac = m_data->m_pCommon->GetETNetMACAddress();
         m_serversUp = true;

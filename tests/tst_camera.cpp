@@ -36,7 +36,7 @@ private:
     {
         SimulatedCamera::instance().resetFaults();
         SimulatedCamera::instance().setPaced(false);
-        m_data = std::make_unique<GData>(&m_cmd);
+        m_data = std::make_unique<GData>(&m_cmd, makeSimulatedDevices());
         m_data->Init(nullptr);
         return *m_data;
     }

@@ -32,7 +32,7 @@ private:
 
     std::unique_ptr<GData> startGData()
     {
-        auto data = std::make_unique<GData>(m_cmdUtil.get());
+        auto data = std::make_unique<GData>(m_cmdUtil.get(), makeSimulatedDevices());
         data->Init(nullptr);
         return data;
     }

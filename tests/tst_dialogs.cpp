@@ -88,7 +88,7 @@ private slots:
     {
         m_device = std::make_unique<TestDevice>();
         m_cmdUtil = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmdUtil.get());
+        m_data = std::make_unique<GData>(m_cmdUtil.get(), makeSimulatedDevices());
         m_data->Init(nullptr);
         g_pData = m_data.get();
         QFont font(QStringLiteral("WenQuanYi Micro Hei"));

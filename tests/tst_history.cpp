@@ -125,7 +125,7 @@ private slots:
         m_device = std::make_unique<TestDevice>();
         systemclock::setSourceForTesting([this] { return m_nowMs; });
         // No Init: a fresh device has no CAMCFG folder until something saves.
-        m_data = std::make_unique<GData>(nullptr);
+        m_data = std::make_unique<GData>(nullptr, makeSimulatedDevices());
         s_syncs.clear();
     }
 
@@ -183,7 +183,7 @@ private slots:
         QCOMPARE(onDisk(), line);
         QCOMPARE(m_data->m_strTestTime, QStringLiteral("2024-05-17 10:42"));
         // As read back after a restart.
-        QCOMPARE(GData(nullptr).readTestResult(), QString::fromUtf8(line));
+        QCOMPARE(GData(nullptr, makeSimulatedDevices()).readTestResult(), QString::fromUtf8(line));
     }
 
     void appendIsOnTheDiskBeforeSaveReturns()

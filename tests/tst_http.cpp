@@ -234,7 +234,7 @@ private slots:
     {
         m_server = std::make_unique<TestServer>();
         m_common = std::make_unique<common>();
-        m_data = std::make_unique<GData>(nullptr);
+        m_data = std::make_unique<GData>(nullptr, makeSimulatedDevices());
         m_smallFile = m_dir.filePath(QStringLiteral("pupil_video.avi"));
         QFile file(m_smallFile);
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write("RIFF small recording") == 20);

@@ -316,7 +316,7 @@ private slots:
             QDir().mkpath(maildir() + QLatin1String(folder));
         }
         m_device = std::make_unique<TestDevice>();
-        m_data = std::make_unique<GData>(nullptr);
+        m_data = std::make_unique<GData>(nullptr, makeSimulatedDevices());
         m_data->InitCommonAndConfig();
         m_data->m_pCamCfg->setValue(CamCfg::EmailReporting, QStringLiteral("1"));
         m_data->m_pCamCfg->setValue(CamCfg::EmailAddress, kRecipient);

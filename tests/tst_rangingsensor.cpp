@@ -100,7 +100,7 @@ private slots:
                 QThread::msleep(static_cast<unsigned long>(ms / m_realSleepDivisor));
         });
         m_cmd = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmd.get());
+        m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
     }
 
     void cleanup()

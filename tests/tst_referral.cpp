@@ -101,7 +101,7 @@ private:
         if (!m_data) {
             m_device = std::make_unique<TestDevice>();
             m_cmd = std::make_unique<CmdUtil>();
-            m_data = std::make_unique<GData>(m_cmd.get());
+            m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
             m_data->Init(nullptr);
             g_pData = m_data.get();
         }
@@ -355,7 +355,7 @@ private slots:
         QCOMPARE(shown, texts);
 
         window.reset();
-        GData restarted(m_cmd.get());
+        GData restarted(m_cmd.get(), makeSimulatedDevices());
         restarted.Init(nullptr);
         QCOMPARE(restarted.m_nReferralCriterion, setting);
     }

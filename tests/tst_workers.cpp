@@ -121,7 +121,7 @@ private slots:
         camera().resetFaults();
         camera().setPaced(false);
         m_cmd = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmd.get());
+        m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
         m_data->Init(nullptr);
         g_pData = m_data.get();
     }

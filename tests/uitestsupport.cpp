@@ -22,7 +22,7 @@ void WindowFixture::setUp()
 
 void WindowFixture::startDevice()
 {
-    m_data = std::make_unique<GData>(m_cmd.get());
+    m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
     m_data->Init(nullptr);
     g_pData = m_data.get();
 }

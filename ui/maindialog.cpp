@@ -72,9 +72,6 @@ MainDialog::MainDialog(QWidget *parent, Workers workers)
     Q_INIT_RESOURCE(style);
     setupPages();
     setStyleSheet(loadStyleSheet());
-    // The device's screen is the window; the simulator shows it framed on a desktop.
-    if (!Platform::instance().simulated)
-        setWindowFlags(windowFlags() | Qt::FramelessWindowHint);
 
     uiBoot->labelBootVersion->setText(QStringLiteral("v") + g_pData->m_pCommon->version());
     pageMainInfoInputInit();

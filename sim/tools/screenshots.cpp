@@ -5,6 +5,7 @@
 // Runs on a throw-away simulated device; nothing outside a temporary folder is touched.
 #include "application.h"
 #include "cmdutil.h"
+#include "devicefactory.h"
 #include "gdata.h"
 #include "keypaddlg.h"
 #include "maindialog.h"
@@ -221,7 +222,6 @@ int main(int argc, char *argv[])
 
     QTemporaryDir device;
     Platform::instance().appDir = device.path() + QStringLiteral("/app");
-    Platform::instance().simulated = true;
     qputenv("ORVELLA_SIM_DIR", QFile::encodeName(device.path() + QStringLiteral("/sim")));
     qputenv("PATH", QByteArray(ORVELLA_SIM_BIN_DIR) + ":/usr/bin:/bin");
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
@@ -244,7 +244,7 @@ int main(int argc, char *argv[])
     }
 
     g_pCmdUtil = new CmdUtil;
-    g_pData = new GData(g_pCmdUtil);
+    g_pData = new GData(g_pCmdUtil, makeSimulatedDevices());
     g_pData->Init(&app);
     g_pData->m_nWifiRssi = -48;
     // As after the first network time, so the clock shows.

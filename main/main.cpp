@@ -3,12 +3,16 @@
 #include "application.h"
 #include "camcfg.h"
 #include "cmdutil.h"
+#include "devicefactory.h"
 #include "gdata.h"
 #include "maindialog.h"
 #include "messagehandler.h"
 #include "platform.h"
-#include "simulatortools.h"
 #include "terminationsignals.h"
+
+#ifdef ORVELLA_SIMULATOR
+#include "simulatortools.h"
+#endif
 
 #include <QDebug>
 #include <QFont>
@@ -35,9 +39,18 @@ int main(int argc, char *argv[])
     if (!Platform::instance().load(Platform::deploymentFilePath(), &platformError))
         qCritical("%s", qPrintable(platformError));
 
+    const bool simulated = deploymentAsksForSimulator(Platform::deploymentFilePath());
+#ifdef ORVELLA_SIMULATOR
+    DeviceSet devices = simulated ? makeSimulatedDevices() : makeKernelDevices();
+#else
+    if (simulated)
+        qCritical("this build has no simulator: the device's own hardware is used");
+    DeviceSet devices = makeKernelDevices();
+#endif
+
     g_pCmdUtil = new CmdUtil;
 
-    g_pData = new GData(g_pCmdUtil);
+    g_pData = new GData(g_pCmdUtil, std::move(devices));
     g_pData->Init(&app);
 
     g_pData->versionDelete();
@@ -51,9 +64,14 @@ int main(int argc, char *argv[])
         app.switchLanguage(locale);
 
     s_mainDialog = new MainDialog;
+    // The device's screen is the window; the simulator shows it framed on a desktop.
+    if (!simulated)
+        s_mainDialog->setWindowFlags(s_mainDialog->windowFlags() | Qt::FramelessWindowHint);
     s_mainDialog->show();
-    if (Platform::instance().simulated)
+#ifdef ORVELLA_SIMULATOR
+    if (simulated)
         startSimulatorTools(s_mainDialog);
+#endif
 
     quitOnTerminationSignals(&app);
 
