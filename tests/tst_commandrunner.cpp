@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// CmdUtil and wirelessutil against the simulator's wpa_cli, udhcpc and poweroff stand-ins.
+// CmdUtil against the simulator's wpa_cli, udhcpc and poweroff stand-ins.
 #include "cmdutil.h"
 #include "testsupport.h"
-#include "wirelessutil.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -89,16 +88,11 @@ private slots:
         QFETCH(QString, value);
         const QString cwd = QDir::currentPath();
         QDir::setCurrent(m_device->root());
-        wirelessutil twin;
-        const QString results[] = {
-            m_cmd->wireless_setssid(0, value),
-            m_cmd->wireless_setpsk(0, value),
-            twin.wireless_setssid(0, value),
-            twin.wireless_setpsk(0, value),
-        };
+        const QString ssid = m_cmd->wireless_setssid(0, value);
+        const QString psk = m_cmd->wireless_setpsk(0, value);
         QDir::setCurrent(cwd);
-        for (const QString &result : results)
-            QCOMPARE(result, QString());
+        QCOMPARE(ssid, QString());
+        QCOMPARE(psk, QString());
         QVERIFY(!QFile::exists(m_device->root() + QStringLiteral("/PWNED")));
         QVERIFY(!QFile::exists(cwd + QStringLiteral("/PWNED")));
         QCOMPARE(m_device->commandsRun(), QStringList());
@@ -121,7 +115,6 @@ private slots:
     void unknownKeyManagementSendsNothing()
     {
         QCOMPARE(m_cmd->wireless_setkeymgmt(0, QStringLiteral("WPA")), QString());
-        QCOMPARE(wirelessutil().wireless_setkeymgmt(0, QStringLiteral("wpa_psk")), QString());
         QCOMPARE(m_device->commandsRun(), QStringList());
         QCOMPARE(m_cmd->wireless_setkeymgmt(0, QStringLiteral("NONE")), QStringLiteral("OK\n"));
         // Sent with the underscore as written; the supplicant refuses it.
@@ -130,85 +123,43 @@ private slots:
                  (QStringList{"set_network 0 key_mgmt NONE", "set_network 0 key_mgmt WPA_PSK"}));
     }
 
-    void missingProgramGivesEmptyOutput()
+    void missingProgramGivesEmptyOutputAndLongOutputIsCut()
     {
         QCOMPARE(m_cmd->sendCommand(QStringLiteral("no-such-program-here --flag")), QString());
         QCOMPARE(m_cmd->sendCommand2("no-such-program-here 2>/dev/null"), QString());
-    }
-
-    void outputIsCutAtEachRunnersLimit()
-    {
-        const QString longText = m_cmd->sendCommand2("printf '%0300d' 7");
-        QCOMPARE(longText.size(), 128);
-
-        // Enough access points for the scan results to pass both limits.
-        QByteArray world;
-        for (int i = 0; i < 120; ++i)
-            world += QStringLiteral("02:00:00:00:00:%1\t2412\t-%2\t[WPA2-PSK-CCMP][ESS]\tNet %3\tpassword%3\n")
-                         .arg(i, 2, 16, QLatin1Char('0'))
-                         .arg(40 + i / 2)
-                         .arg(i)
-                         .toUtf8();
-        m_device->writeFile(QStringLiteral("sim/wifi/world.tsv"), world);
-        const QString full = m_cmd->wireless_scanresult();
-        QVERIFY(full.size() > 5000);
-        wirelessutil twin;
-        QCOMPARE(twin.wireless_scanresult(), full.left(4096));
-
-        QByteArray config = "update_config=1\n";
-        for (int i = 0; i < 50; ++i)
-            config += "network={\n\tssid=\"Saved network " + QByteArray::number(i) + "\"\n\tkey_mgmt=NONE\n}\n";
-        saveSupplicantConfig(config);
-        twin.wireless_reconfigure();
-        const QString networks = m_cmd->wireless_listnetwork();
-        QVERIFY(networks.size() > 1000);
-        QCOMPARE(twin.wireless_listnetwork(), networks.left(512));
+        QCOMPARE(m_cmd->sendCommand2("printf '%0300d' 7").size(), 128);
     }
 
     // --- selecting a network by priority ---
 
-    // The chosen network is raised and the others lowered; CmdUtil saves the
-    // configuration, its twin makes the supplicant reread it instead.
+    // The chosen network is raised, the others lowered, and the configuration saved.
     void selectNetworkRaisesOneAndLowersTheOthers_data()
     {
-        QTest::addColumn<bool>("twin");
         QTest::addColumn<QByteArray>("config");
         QTest::addColumn<int>("id");
         QTest::addColumn<QString>("calls");
-        const QByteArray none = "ctrl_interface=/var/run/wpa_supplicant\nupdate_config=1\n";
-        QTest::newRow("cmdutil") << false << QByteArray(kThreeSavedNetworks) << 1
-                                 << "list_network,set_network 0 priority 1,set_network 1 priority 10,"
-                                    "set_network 2 priority 1,enable_network all,save_config";
-        QTest::newRow("twin") << true << QByteArray(kThreeSavedNetworks) << 2
-                              << "list_network,set_network 0 priority 1,set_network 1 priority 1,"
-                                 "set_network 2 priority 10,enable_network all,reconfigure";
-        QTest::newRow("nothing saved") << false << none << 0 << "list_network,save_config";
+        QTest::newRow("three saved") << QByteArray(kThreeSavedNetworks) << 1
+                                     << "list_network,set_network 0 priority 1,set_network 1 priority 10,"
+                                        "set_network 2 priority 1,enable_network all,save_config";
+        QTest::newRow("nothing saved") << QByteArray("ctrl_interface=/var/run/wpa_supplicant\nupdate_config=1\n") << 0
+                                       << "list_network,save_config";
     }
 
     void selectNetworkRaisesOneAndLowersTheOthers()
     {
-        QFETCH(bool, twin);
         QFETCH(QByteArray, config);
         QFETCH(int, id);
         QFETCH(QString, calls);
         saveSupplicantConfig(config);
         m_device->clearCommandLog();
-        QCOMPARE(twin ? wirelessutil().wireless_selectnetwork(id) : m_cmd->wireless_selectnetwork(id),
-                 QStringLiteral("OK\n"));
+        QCOMPARE(m_cmd->wireless_selectnetwork(id), QStringLiteral("OK\n"));
         QCOMPARE(wpaCalls(m_device->commandsRun()), calls.split(QLatin1Char(',')));
-        if (twin || id != 1)
+        if (id != 1)
             return;
         // The saved configuration prefers the chosen network, all enabled.
         const QByteArray saved = TestDevice::readFile(m_device->simDir() + QStringLiteral("/wifi/wpa_supplicant.conf"));
         QVERIFY(saved.contains("ssid=\"School Nurse Office\"\n\tpsk=\"nurse-4412\"\n\tpriority=10\n"));
         QVERIFY(!saved.contains("disabled=1"));
-    }
-
-    void reconfigureDiffersBetweenTheTwins()
-    {
-        m_cmd->wireless_reconfigure();
-        wirelessutil().wireless_reconfigure();
-        QCOMPARE(wpaCalls(m_device->commandsRun()), (QStringList{"save_config", "reconfigure"}));
     }
 
     // --- connection state ---
@@ -225,22 +176,6 @@ private slots:
         QVERIFY(!m_cmd->wireless_is_connected());
         QCOMPARE(m_cmd->wireless_getRSSI(), QStringLiteral("FAIL\n"));
         QVERIFY(m_cmd->wireless_udhcpnetwork().contains(QLatin1String("no lease, failing")));
-    }
-
-    void joiningWithRightAndWrongPassphrase()
-    {
-        saveSupplicantConfig("ctrl_interface=/var/run/wpa_supplicant\nupdate_config=1\n");
-        const int id = m_cmd->wireless_addnetwork().trimmed().toInt();
-        QCOMPARE(m_cmd->wireless_setssid(id, QStringLiteral("School Nurse Office")), QStringLiteral("OK\n"));
-        QCOMPARE(m_cmd->wireless_setpsk(id, QStringLiteral("wrong-password")), QStringLiteral("OK\n"));
-        m_cmd->wireless_selectnetwork(id);
-        QVERIFY(waitForState(QStringLiteral("4WAY_HANDSHAKE")));
-        QVERIFY(waitForState(QStringLiteral("DISCONNECTED")));
-
-        QCOMPARE(m_cmd->wireless_setpsk(id, QStringLiteral("nurse-4412")), QStringLiteral("OK\n"));
-        QVERIFY(waitForState(QStringLiteral("COMPLETED")));
-        QVERIFY(m_cmd->wireless_getstatus().contains(QLatin1String("\nssid=School Nurse Office\n")));
-        QVERIFY(m_cmd->wireless_listnetwork().contains(QLatin1String("\tSchool Nurse Office\tany\t[CURRENT]")));
     }
 
     // --- power ---

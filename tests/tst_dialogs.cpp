@@ -109,27 +109,15 @@ private slots:
     void uploadEachModeKeepsItsResult_data()
     {
         QTest::addColumn<int>("mode");
-        QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("resultKept");
-        const auto row = [](int mode, const char *resultKept, const char *text) {
-            QTest::addRow("%d", mode) << mode << QString::fromLatin1(text) << QString::fromLatin1(resultKept);
-        };
-        row(0, "bool", "Data is processing, Please wait...");
-        row(1, "bool", "File is downloading, Please wait...");
-        row(2, "none", "");
-        row(3, "none", "");
-        row(4, "string", "It is printing, Please wait...");
-        row(5, "string", "It is printing, Please wait...");
-        row(6, "int", "Version checking, Please wait...");
-        row(7, "string", "Sending Result, Please wait...");
-        row(8, "none", "");
-        row(9, "string", "Mail is Sending, Please wait...");
+        const char *const kept[] = {"bool", "bool", "none", "none", "string", "string", "int", "string", "none", "string"};
+        for (int mode = 0; mode < 10; ++mode)
+            QTest::addRow("%d", mode) << mode << QString::fromLatin1(kept[mode]);
     }
 
     void uploadEachModeKeepsItsResult()
     {
         QFETCH(int, mode);
-        QFETCH(QString, text);
         QFETCH(QString, resultKept);
         LogCapture log;
         UploadDlg dialog;
@@ -138,7 +126,6 @@ private slots:
         dialog.strResult = QStringLiteral("untouched");
         dialog.nResult = 12345;
         QVERIFY2(runModal(dialog), "the dialog did not close by itself");
-        QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("labelMsg"))->text(), text);
         QCOMPARE(log.lines().count(QStringLiteral("UploadDlg mode %1").arg(mode)), 1);
         // Nothing answers here, so every operation fails: its failure shows
         // in exactly the member that belongs to the mode, the others keep

@@ -60,28 +60,6 @@ referral::Refraction eyes(double leftSphere, double rightSphere, double leftCyli
     return result;
 }
 
-const QStringList kMattaTexts = {
-    QStringLiteral("Matta/Silbert"),
-    QStringLiteral("sensitivity: 98% specificity: 68%"),
-    QStringLiteral("Indication of source: J AAPOS. 2008; 12:490-492"),
-    QStringLiteral("In regions/countries where these is universal healthcare, you can choose"),
-    QStringLiteral("the \"Matta/Silbert\". It may be beneficial to optimise sensitivity, so that"),
-    QStringLiteral("more children enter into optometry care and few problems are missed."),
-};
-const QStringList kArthur2Texts = {
-    QStringLiteral("sensitivity: 73% specificity: 92%"),
-    QStringLiteral("Indication of source: J AAPOS. 2011; 15:551-555"),
-    QStringLiteral("In regions where resources are scarce, you can choose the \"Arthur2\"."),
-    QStringLiteral("It may be more cost effective to target high specificity to minimize"),
-    QStringLiteral("false referrals."),
-};
-const QStringList kArnoldTexts = {
-    QStringLiteral("sensitivity: 92% specificity: 90%"),
-    QStringLiteral("Indication of source: the criterion publisher's web site"),
-    QStringLiteral("Arnold is best at maximizing sensitivity and specificity for the latest AAPOS"),
-    QString::fromUtf8("referral criteria.You can choose \u201cArnold\u201d for routine check."),
-};
-
 } // namespace
 
 class TestReferral : public QObject
@@ -302,30 +280,24 @@ private slots:
 
     // --- the settings page ---
 
-    void choosingSavesAtOnceAndShowsTheTexts_data()
+    void choosingSavesAtOnceAndTheTextsFit_data()
     {
         QTest::addColumn<int>("before");
         QTest::addColumn<QString>("opensOn");
         QTest::addColumn<QString>("criterion");
         QTest::addColumn<int>("setting");
-        QTest::addColumn<QStringList>("texts");
-        const auto row = [](const char *name, int before, const char *opensOn, const char *criterion, int setting,
-                            const QStringList &texts) {
-            QTest::newRow(name) << before << opensOn << criterion << setting << texts;
-        };
-        row("unknown, then Matta", 7, "Arthur2", "Matta", 1, kMattaTexts);
-        row("Matta, then Arthur2", 1, "Matta", "Arthur2", 2, kArthur2Texts);
-        row("Arthur2, then Arnold", 2, "Arthur2", "Arnold", 0, kArnoldTexts);
-        row("Arnold, then Matta", 0, "Arnold", "Matta", 1, kMattaTexts);
+        QTest::newRow("unknown, then Matta") << 7 << "Arthur2" << "Matta" << 1;
+        QTest::newRow("Matta, then Arthur2") << 1 << "Matta" << "Arthur2" << 2;
+        QTest::newRow("Arthur2, then Arnold") << 2 << "Arthur2" << "Arnold" << 0;
+        QTest::newRow("Arnold, then Matta") << 0 << "Arnold" << "Matta" << 1;
     }
 
-    void choosingSavesAtOnceAndShowsTheTexts()
+    void choosingSavesAtOnceAndTheTextsFit()
     {
         QFETCH(int, before);
         QFETCH(QString, opensOn);
         QFETCH(QString, criterion);
         QFETCH(int, setting);
-        QFETCH(QStringList, texts);
         // On disk a value that neither opening nor choosing leaves behind.
         CamCfg &cfg = *data().m_pCamCfg;
         cfg.setValue(CamCfg::ReferralCriterion, QStringLiteral("9"));
@@ -343,16 +315,14 @@ private slots:
         // Layouts of a page just shown settle on the next event loop pass.
         QCoreApplication::processEvents();
         QWidget *page = shownPage(*window);
-        QStringList shown;
         const QList<QLabel *> labels = page->findChildren<QLabel *>();
+        QVERIFY(!labels.isEmpty());
         for (const QLabel *label : labels) {
-            shown << label->text();
             // Wider than its label, a line would wrap onto a second one.
             const int width = label->fontMetrics().horizontalAdvance(label->text());
             QVERIFY2(width <= label->contentsRect().width(), qPrintable(label->text()));
             QVERIFY2(label->geometry().bottom() < page->height(), qPrintable(label->text()));
         }
-        QCOMPARE(shown, texts);
 
         window.reset();
         GData restarted(m_cmd.get(), makeSimulatedDevices());

@@ -315,36 +315,6 @@ private slots:
         if (locale != QLatin1String("en_US"))
             QVERIFY2(translatedContexts.size() >= 3, qPrintable(QStringList(translatedContexts.values()).join(' ')));
     }
-
-    // A checker that missed a changed marker would let a broken translation through.
-    void placeholdersAreRecognised_data()
-    {
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("translation");
-        QTest::addColumn<bool>("same");
-        const auto row = [](const char *name, const char *source, const char *translation, bool same) {
-            QTest::newRow(name) << QString::fromUtf8(source) << QString::fromUtf8(translation) << same;
-        };
-        row("Qt markers reordered", "%1 of %2", "%2 中的 %1", true);
-        row("Qt marker dropped", "%1 of %2", "de %2", false);
-        row("Qt marker renumbered", "Wait %1 s", "Espere %2 s", false);
-        row("localised marker kept", "%L1 files", "%L1 archivos", true);
-        row("plural marker dropped", "%n children", "niños", false);
-        row("printf in order", "%s: %d%%", "%s：%d%%", true);
-        row("printf reordered", "%s: %d", "%d: %s", false);
-        row("printf width kept", "%-5s|%.2f", "%-5s|%.2f", true);
-        row("printf width changed", "%05d", "%5d", false);
-        row("literal percent dropped", "100%%", "100%", false);
-        row("percent before a word", "20% battery remaining", "Queda un 20 % de batería", true);
-    }
-
-    void placeholdersAreRecognised()
-    {
-        QFETCH(QString, source);
-        QFETCH(QString, translation);
-        QFETCH(bool, same);
-        QCOMPARE(placeholdersOf(translation) == placeholdersOf(source), same);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestTranslations)
