@@ -51,6 +51,8 @@ void GData::InitData()
     Q_ASSERT_X(m_devices.complete(), "GData::InitData", "start-up hands over every device");
 
     m_pFrameQueue = std::make_unique<OSAL_QUEUE>();
+    // A writer that keeps up never comes near it.
+    m_pFrameQueue->capacity = kMaxQueuedFrames;
     m_displayBuffer.assign(static_cast<size_t>(kCameraWidth) * kCameraHeight * 2, 0);
 
     m_bNetworkReady = 0;
@@ -209,6 +211,23 @@ void GData::timerVersionCheck()
 bool GData::isNetworkReady() const
 {
     return m_bNetworkReady != 0;
+}
+
+GData::BusyJob::BusyJob(GData &data)
+    : m_data(data)
+{
+    ++m_data.m_nBusyJobs;
+}
+
+GData::BusyJob::~BusyJob()
+{
+    --m_data.m_nBusyJobs;
+}
+
+bool GData::isBusy() const
+{
+    const int mode = m_nCameraMode;
+    return m_nBusyJobs > 0 || mode == 2 || mode == 3;
 }
 
 bool GData::versionDownlod()

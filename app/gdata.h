@@ -122,6 +122,22 @@ public:
     // Wall-clock timing (idle timers, the clock label) waits for this.
     bool isNetworkReady() const;
 
+    // A job the device must not power off or blank its screen under: an
+    // upload, a print, a mail, an update. Held for as long as it runs.
+    class BusyJob
+    {
+    public:
+        explicit BusyJob(GData &data);
+        ~BusyJob();
+        BusyJob(const BusyJob &) = delete;
+        BusyJob &operator=(const BusyJob &) = delete;
+
+    private:
+        GData &m_data;
+    };
+    // True while a job runs or the camera records.
+    bool isBusy() const;
+
     // The device clock plus the configured zone offset.
     QDateTime getLocalTime() const;
 
@@ -195,6 +211,7 @@ public:
     std::atomic<char> m_bNetworkReady{0}; // set once the network time is known
     std::atomic<int> m_nWifiChanged{0};   // asks the polling thread for fresh Wi-Fi information
     std::atomic<int> m_nWifiRssi{0};      // dBm of the current link, 0 = unknown
+    std::atomic<int> m_nBusyJobs{0};
 
     // Camera, encoder and recording, shared with the worker threads.
     static constexpr int kCameraWidth = 1920;
@@ -212,7 +229,13 @@ public:
         unsigned char *data;
     };
 
+    // Six seconds of recorded frames at 15 a second, twice over.
+    static constexpr std::size_t kMaxQueuedFrames = 2 * 6 * 15;
+
     std::atomic<int> m_nCameraMode{0}; // 0 idle, 1 preview, 2 recording, 3 recording finished
+    // Set while the recording thread makes its first recording after start-up
+    // (it warms up the camera, the encoder and the flash); a session waits for it.
+    std::atomic<int> m_bStartupRecording{0};
     std::atomic<int> m_bPreviewEnabled{0};
     std::atomic<char> m_bTorchOn{0};
     std::atomic<char> m_bCameraOpen{0};

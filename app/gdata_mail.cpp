@@ -28,8 +28,9 @@ QString orNotAvailable(const QString &value)
 // Both messages go to the address of settings position 21 through the
 // server the deployment names; an unknown security word sends nothing rather
 // than falling back to a plain connection.
-QString sendMail(const GData &data, const Mailer::Message &message, const char *logName)
+QString sendMail(GData &data, const Mailer::Message &message, const char *logName)
 {
+    const GData::BusyJob job(data);
     const Platform &platform = Platform::instance();
     Mailer::Account account;
     if (!Mailer::parseSecurity(platform.mailSecurity, account.security)) {

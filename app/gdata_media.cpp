@@ -73,6 +73,12 @@ int GData::V4l2DevicePushFrame()
 
 int GData::AVIFileOpen()
 {
+    // A recording is still being written: opening again would truncate it
+    // under its writer and leak its descriptor.
+    if (m_pAvi) {
+        qDebug("AVIFileOpen: a recording is still open");
+        return 0;
+    }
     const QByteArray path = QFile::encodeName(Platform::instance().recordingFile);
     m_pAvi = AVI_open_output_file(path.constData());
     if (!m_pAvi)
@@ -135,7 +141,10 @@ void GData::H264Enqueue()
     }
     if (m_nEncodedSize > 0)
         std::memcpy(record->data, m_pEncoded, m_nEncodedSize);
-    while (OSAL_Queue(m_pFrameQueue.get(), record) != 0) {
+    if (OSAL_Queue(m_pFrameQueue.get(), record) != 0) {
+        qDebug("H264Enqueue: queue full, frame dropped");
+        std::free(record->data);
+        std::free(record);
     }
 }
 

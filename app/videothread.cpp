@@ -28,23 +28,25 @@ void VideoThread::run()
         data->m_bTorchOn = 0;
         data->FlashOff();
     }
-    if (!data->AVIFileOpen()) {
-        qDebug("AVI File open failed");
-        return;
-    }
     // A first recording right at start-up warms up the camera, the encoder
-    // and the flash; nobody waits for it, so it is not reported.
-    data->m_nRecordFrameCount = 0;
-    data->H264Emptyqueue();
-    data->m_nCameraMode = 2;
-    bool startUp = true;
+    // and the flash; nobody waits for it, so it is not reported. Without it
+    // the thread still serves every later recording: the file may open then.
+    if (data->AVIFileOpen()) {
+        data->m_nRecordFrameCount = 0;
+        data->H264Emptyqueue();
+        data->m_nCameraMode = 2;
+        record(false);
+        msleep(500);
+    } else {
+        qDebug("AVI File open failed");
+    }
+    data->m_bStartupRecording = 0;
     while (!isInterruptionRequested()) {
         if (data->m_nCameraMode != 2) {
             msleep(100);
             continue;
         }
-        record(!startUp);
-        startUp = false;
+        record(true);
         msleep(500);
     }
 }
@@ -92,6 +94,9 @@ void VideoThread::record(bool reportWhenDone)
     if (reportWhenDone) {
         emit video_thread_signal(0);
     } else {
-        data->m_nCameraMode = 0;
+        // Only the state this recording left: a session the GUI began in the
+        // meantime keeps its own.
+        int finished = 3;
+        data->m_nCameraMode.compare_exchange_strong(finished, 0);
     }
 }

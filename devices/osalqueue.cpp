@@ -7,6 +7,8 @@
 int OSAL_Queue(OSAL_QUEUE *queue, void *record)
 {
     std::lock_guard<std::mutex> lock(queue->mutex);
+    if (queue->records.size() >= queue->capacity)
+        return -1;
     try {
         queue->records.push_back(record);
     } catch (const std::bad_alloc &) {

@@ -2,12 +2,16 @@
 // A screening session on the camera page: aiming guidance, automatic and manual capture, and its end.
 #include "analysisserver.h"
 #include "avilib.h"
+#include "camcfg.h"
 #include "platform.h"
 #include "simulatedcamera.h"
 #include "simulatedworld.h"
 #include "uitestsupport.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QProcess>
+#include <QTcpSocket>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -234,10 +238,58 @@ private slots:
         QCOMPARE(messages, (QStringList{QStringLiteral("Please move the cross sign to the center"),
                                         QStringLiteral("Please lower the ambient brightness to below 20")}));
         QCOMPARE(m_data->m_nCameraMode.load(), 1);
-        // The distance is the operator's call.
+        // The distance is the operator's call; the aiming light goes out for the flash.
         aim(150, 0, 5);
+        click("buttonFlash");
+        QVERIFY(SimulatedWorld::instance().irLight);
         click("buttonPhoto");
         QCOMPARE(m_data->m_nCameraMode.load(), 2);
+        QVERIFY(!m_data->m_bTorchOn);
+        QVERIFY(!SimulatedWorld::instance().irLight);
+    }
+
+    void recordingThatCannotOpenIsTriedOncePerSteadyAim()
+    {
+        Platform::instance().recordingFile = m_device->root() + QStringLiteral("/missing/pupil_video.avi");
+        openCameraPage();
+        QStringList messages;
+        const ModalResponder answer = collectMessages(messages);
+        aim(97, 0, 5);
+        click("buttonPhoto");
+        QCOMPARE(messages, QStringList{QStringLiteral("Error/Vedio File Open Failed!")});
+        m_data->m_bAutoCapture = 1;
+        for (int i = 0; i < 2 * 11; ++i)
+            tick();
+        QCOMPARE(messages.size(), 3);
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+        QVERIFY(widget<QPushButton>("buttonPhoto")->isEnabled());
+    }
+
+    void noCaptureUnderAMessageBox()
+    {
+        openCameraPage();
+        m_data->m_bAutoCapture = 1;
+        aim(97, 9, 5);
+        // The box's own event loop keeps the window's timer running.
+        ModalResponder answer([this](QWidget *box) {
+            aim(97, 0, 5);
+            for (int i = 0; i < 2 * 11; ++i)
+                tick();
+            pressButton(box, "buttonMiddle1");
+        });
+        click("buttonPhoto");
+        QCOMPARE(answer.count(), 1);
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
+    }
+
+    void cameraButtonAwayFromTheDetailsSkipsTheirChecks()
+    {
+        m_data->m_bNetworkReady = 0;
+        widget<QStackedWidget>("stackedWidgetBase")->setCurrentIndex(MainDialog::BasePageMenu);
+        widget<QStackedWidget>("stackedWidgetWithMenu")->setCurrentWidget(widget<QWidget>("pageResult"));
+        click("buttonCamera");
+        QCOMPARE(basePage(), int(MainDialog::BasePageCamera));
+        QCOMPARE(m_data->m_nCameraMode.load(), 1);
     }
 
     void aimingLightNeedsADarkRoom()
@@ -303,8 +355,67 @@ private slots:
         QCOMPARE(history(), QString());
     }
 
+    void reportMailAtTheEndOfASession_data()
+    {
+        QTest::addColumn<QString>("reporting");
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<bool>("serverUp");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("reporting off") << "0" << "nurse@school.example" << true << QString();
+        QTest::newRow("factory address") << "1" << QString() << true
+                                         << "Message/No report was sent: set the e-mail address on the E-mail Reports page.";
+        QTest::newRow("server down") << "1" << "nurse@school.example" << false
+                                     << "Message/Data processing failed: ";
+        QTest::newRow("delivered") << "1" << "nurse@school.example" << true
+                                   << "Message/The pupil image has been sent to your email.";
+    }
+
+    void reportMailAtTheEndOfASession()
+    {
+        QFETCH(QString, reporting);
+        QFETCH(QString, address);
+        QFETCH(bool, serverUp);
+        QFETCH(QString, message);
+        CamCfg &cfg = *m_data->m_pCamCfg;
+        cfg.setValue(CamCfg::EmailReporting, reporting);
+        cfg.setValue(CamCfg::EmailAddress, address.isEmpty() ? CamCfg::defaultValue(CamCfg::EmailAddress) : address);
+        Platform &platform = Platform::instance();
+        platform.mailServer = QStringLiteral("127.0.0.48");
+        platform.mailPort = 2525;
+        platform.mailSecurity = QStringLiteral("none");
+        QProcess server;
+        if (serverUp) {
+            server.start(QStringLiteral("/usr/bin/python3"), {"-m", "aiosmtpd", "-n", "-l", "127.0.0.48:2525", "-c",
+                                                              "aiosmtpd.handlers.Sink"});
+            QTcpSocket probe;
+            QTRY_VERIFY_WITH_TIMEOUT((probe.connectToHost(platform.mailServer, 2525), probe.waitForConnected(100)),
+                                     10000);
+        }
+        writeRecording();
+        QStringList messages;
+        ModalResponder answer([&messages](QWidget *box) {
+            messages << messageText(box);
+            pressButton(box, "buttonMiddle1");
+        });
+        QMetaObject::invokeMethod(m_window.get(), "onSendVideoReportTimeout", Qt::DirectConnection);
+        server.kill();
+        server.waitForFinished();
+        // The "please wait" box is not modal: only the outcome is answered.
+        QCOMPARE(messages.size(), message.isEmpty() ? 0 : 1);
+        if (!message.isEmpty())
+            QVERIFY2(messages.at(0).startsWith(message), qPrintable(messages.at(0)));
+    }
+
+    void wholeScreeningSavesOneRecord_data()
+    {
+        QTest::addColumn<bool>("startUpFileOpens");
+        QTest::newRow("camera pressed during the start-up recording") << true;
+        QTest::newRow("start-up recording could not open its file") << false;
+    }
+
     void wholeScreeningSavesOneRecord()
     {
+        QFETCH(bool, startUpFileOpens);
         auto server = startServer();
         if (!server)
             QSKIP("cannot listen on 127.0.0.47:15000");
@@ -312,10 +423,18 @@ private slots:
         // The real threads this time, with the camera at its own pace.
         m_window.reset();
         SimulatedCamera::instance().setPaced(true);
+        Platform &platform = Platform::instance();
+        if (!startUpFileOpens)
+            platform.recordingFile = m_device->root() + QStringLiteral("/later/pupil_video.avi");
         openWindow(MainDialog::Workers::Start);
-        // The warm-up recording of the start first.
-        QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 2, 5000);
-        QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 0, 15000);
+        if (startUpFileOpens) {
+            // The session waits for the warm-up recording instead of being overwritten by its end.
+            QTRY_VERIFY_WITH_TIMEOUT(m_data->m_nCameraMode == 2, 5000);
+        } else {
+            // The recording thread outlives the failure and serves the session.
+            QTRY_VERIFY_WITH_TIMEOUT(!m_data->m_bStartupRecording, 5000);
+            QDir().mkpath(m_device->root() + QStringLiteral("/later"));
+        }
 
         m_data->m_bAutoCapture = 1;
         click("buttonFemale");

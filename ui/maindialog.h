@@ -202,6 +202,8 @@ private:
 
     void pageMainInfoInputInit();
     void pageCameraInit();
+    // False when the start-up recording did not end in time (the operator was told).
+    bool waitForStartupRecording();
     void autoStartCamera();
     void beginTakePhoto();
     void setGoodAimMarks(bool good);

@@ -17,6 +17,7 @@
 #include "uploaddlg.h"
 #include "videothread.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QIcon>
@@ -27,6 +28,8 @@
 namespace {
 
 constexpr int kGoodAimTicks = 11;
+// The start-up recording ends by itself after at most 6.5 s.
+constexpr int kStartupRecordingWaitMs = 10000;
 
 bool distanceGood(int d)
 {
@@ -52,6 +55,9 @@ void MainDialog::cameraThreadInit()
 
 void MainDialog::videoThreadInit()
 {
+    // Raised before the thread runs, so that no session can slip in before
+    // the thread has said it is warming up.
+    g_pData->m_bStartupRecording = 1;
     m_pVideoThread = std::make_unique<VideoThread>();
     connect(m_pVideoThread.get(), &VideoThread::video_thread_signal, this, &MainDialog::video_thread_slot,
             Qt::QueuedConnection);
@@ -104,6 +110,8 @@ void MainDialog::on_buttonCamera_clicked()
             return;
         }
     }
+    if (!waitForStartupRecording())
+        return;
     if (!g_pData->V4l2DeviceOpen()) {
         g_pData->V4l2DeviceClose();
         showMessage(tr("Error"), tr("Camera Open Failed!"), QString(), tr("OK"), QString());
@@ -111,6 +119,27 @@ void MainDialog::on_buttonCamera_clicked()
     }
     ui->stackedWidgetBase->setCurrentIndex(BasePageCamera);
     pageCameraInit();
+}
+
+bool MainDialog::waitForStartupRecording()
+{
+    if (!g_pData->m_bStartupRecording)
+        return true;
+    // The first recording after power-up takes the camera for about six
+    // seconds; a session started under it would lose its aiming state to it.
+    MsgDialog waiting;
+    waiting.Init(tr("Message"), tr("The camera is getting ready, please wait..."), QString(), tr("Waiting..."),
+                 QString());
+    waiting.show();
+    QElapsedTimer waited;
+    waited.start();
+    while (g_pData->m_bStartupRecording && waited.elapsed() < kStartupRecordingWaitMs)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    waiting.close();
+    if (!g_pData->m_bStartupRecording)
+        return true;
+    showMessage(tr("Error"), tr("The camera is not ready yet, please try again."), QString(), tr("OK"), QString());
+    return false;
 }
 
 void MainDialog::pageCameraInit()
@@ -153,6 +182,12 @@ void MainDialog::timerPageCamera()
 {
     if (ui->stackedWidgetBase->currentIndex() != BasePageCamera || g_pData->m_nCameraMode != 1)
         return;
+    // A message box or a progress dialog runs its own event loop, and this
+    // timer with it: nothing may start a recording under the operator's answer.
+    if (QApplication::activeModalWidget()) {
+        m_nStableAim = 0;
+        return;
+    }
 
     int d = g_pData->m_nDistance;
     const bool distanceOk = distanceGood(d);
@@ -215,9 +250,12 @@ void MainDialog::autoStartCamera()
     const int p = g_pData->m_nPitch;
     const int b = static_cast<int>(g_pData->m_nPreviewBrightness);
     if (g_pData->m_nCameraMode == 1 && pitchGood(p) && distanceGood(d) && (b <= 19 || g_pData->m_bTorchOn)) {
-        // Eleven good ticks in a row, 2.2 s of steady aim, take the picture.
-        if (++m_nStableAim >= kGoodAimTicks)
+        // Eleven good ticks in a row, 2.2 s of steady aim, take the picture;
+        // once, whether it starts or not, so that a failure is not retried every tick.
+        if (++m_nStableAim == kGoodAimTicks) {
+            m_nStableAim = 0;
             beginTakePhoto();
+        }
         return;
     }
     m_nStableAim = 0;
@@ -380,11 +418,16 @@ void MainDialog::pageResultShow()
 void MainDialog::onSendVideoReportTimeout()
 {
     const CamCfg &cfg = *g_pData->m_pCamCfg;
-    // The factory text in the address means no address was given.
-    const QString address = cfg.value(CamCfg::EmailAddress);
-    if (cfg.value(CamCfg::EmailReporting) == QLatin1String("0") || address.isEmpty() ||
-        address == CamCfg::defaultValue(CamCfg::EmailAddress))
+    if (cfg.value(CamCfg::EmailReporting) == QLatin1String("0"))
         return;
+    // The factory text in the address means no address was given; reporting
+    // was asked for, so the operator hears why nothing went out.
+    const QString address = cfg.value(CamCfg::EmailAddress);
+    if (address.isEmpty() || address == CamCfg::defaultValue(CamCfg::EmailAddress)) {
+        showMessage(tr("Message"), tr("No report was sent: set the e-mail address on the E-mail Reports page."),
+                    QString(), tr("OK"), QString());
+        return;
+    }
     MsgDialog waiting;
     waiting.Init(tr("Message"), tr("Data is processing,please wait..."), QString(), tr("Waiting..."), QString());
     waiting.show();

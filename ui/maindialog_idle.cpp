@@ -16,7 +16,9 @@ void MainDialog::timerShutdown()
     if (!g_pData->isNetworkReady())
         return;
     const qint64 now = systemclock::nowSecs();
-    if (m_nLastActivity == 0) {
+    // Idle time counts again from the end of a job: a recording, an upload,
+    // a print or a mail lost to the power timer is a child to screen again.
+    if (m_nLastActivity == 0 || g_pData->isBusy()) {
         m_nLastActivity = now;
         return;
     }

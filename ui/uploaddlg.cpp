@@ -98,6 +98,7 @@ void UploadDlg::runOperation()
     repaint();
 
     qDebug("UploadDlg mode %d", mode);
+    const GData::BusyJob job(*g_pData);
     switch (mode) {
     case 0: bResult = g_pData->uploadAVIFile(); break;
     case 1: bResult = g_pData->versionDownlod(); break;

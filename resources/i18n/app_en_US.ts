@@ -480,6 +480,18 @@
         <source>Refer</source>
         <translation>Refer</translation>
     </message>
+    <message>
+        <source>The camera is getting ready, please wait...</source>
+        <translation>The camera is getting ready, please wait...</translation>
+    </message>
+    <message>
+        <source>The camera is not ready yet, please try again.</source>
+        <translation>The camera is not ready yet, please try again.</translation>
+    </message>
+    <message>
+        <source>No report was sent: set the e-mail address on the E-mail Reports page.</source>
+        <translation>No report was sent: set the e-mail address on the E-mail Reports page.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

@@ -480,6 +480,18 @@
         <source>Refer</source>
         <translation>Remitir</translation>
     </message>
+    <message>
+        <source>The camera is getting ready, please wait...</source>
+        <translation>La cámara se está preparando, espere por favor...</translation>
+    </message>
+    <message>
+        <source>The camera is not ready yet, please try again.</source>
+        <translation>La cámara aún no está lista, inténtelo de nuevo.</translation>
+    </message>
+    <message>
+        <source>No report was sent: set the e-mail address on the E-mail Reports page.</source>
+        <translation>No se envió ningún informe: configure la dirección de correo en la página de informes por correo.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

@@ -480,6 +480,18 @@
         <source>Refer</source>
         <translation>转诊</translation>
     </message>
+    <message>
+        <source>The camera is getting ready, please wait...</source>
+        <translation>相机正在准备，请稍候...</translation>
+    </message>
+    <message>
+        <source>The camera is not ready yet, please try again.</source>
+        <translation>相机尚未就绪，请重试。</translation>
+    </message>
+    <message>
+        <source>No report was sent: set the e-mail address on the E-mail Reports page.</source>
+        <translation>未发送报告：请在邮件报告页面设置邮箱地址。</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
