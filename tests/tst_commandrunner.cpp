@@ -4,7 +4,6 @@
 #include "testsupport.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTest>
@@ -42,19 +41,6 @@ private:
     void saveSupplicantConfig(const QByteArray &text)
     {
         m_device->writeFile(QStringLiteral("sim/wifi/wpa_supplicant.conf"), text);
-    }
-
-    // Waits (bounded) until the supplicant reports the given state.
-    bool waitForState(const QString &state)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < 5000) {
-            if (m_cmd->wireless_getstatus().contains(QStringLiteral("wpa_state=") + state + '\n'))
-                return true;
-            QTest::qWait(50);
-        }
-        return false;
     }
 
 private slots:
@@ -160,22 +146,6 @@ private slots:
         const QByteArray saved = TestDevice::readFile(m_device->simDir() + QStringLiteral("/wifi/wpa_supplicant.conf"));
         QVERIFY(saved.contains("ssid=\"School Nurse Office\"\n\tpsk=\"nurse-4412\"\n\tpriority=10\n"));
         QVERIFY(!saved.contains("disabled=1"));
-    }
-
-    // --- connection state ---
-
-    void connectedOnlyWhenCompleted()
-    {
-        // The default supplicant configuration joins the clinic network.
-        QVERIFY(waitForState(QStringLiteral("COMPLETED")));
-        QVERIFY(m_cmd->wireless_is_connected());
-        QVERIFY(m_cmd->wireless_getRSSI().startsWith(QLatin1String("RSSI=-42\n")));
-        QVERIFY(m_cmd->wireless_udhcpnetwork().contains(QLatin1String("lease of 192.168.50.20 obtained")));
-
-        m_cmd->sendCommand(QStringLiteral("wpa_cli -i wlan0 disable_network all"));
-        QVERIFY(!m_cmd->wireless_is_connected());
-        QCOMPARE(m_cmd->wireless_getRSSI(), QStringLiteral("FAIL\n"));
-        QVERIFY(m_cmd->wireless_udhcpnetwork().contains(QLatin1String("no lease, failing")));
     }
 
     // --- power ---

@@ -18,7 +18,6 @@
 #include <QTableView>
 #include <QTest>
 
-#include <algorithm>
 #include <functional>
 
 namespace {
@@ -372,38 +371,6 @@ private slots:
         QCOMPARE(clicking("buttonHistoryDelete"), QStringList({"Delete Records"}));
         QCOMPARE(history(),
                  QStringLiteral("Smith,Male,2018-05-05|2024-05-19 12:00,+0.00,+0.00,0,+0.00,+0.00,0,0,Pass\n"));
-    }
-
-    void aHundredThousandLinesLoadAndFilter()
-    {
-        // Four tests of each of 25,000 children, interleaved as on a device
-        // that screens a class and comes back to it.
-        static const char *const first[] = {"Amy", "Sam", "Zoe", "Liam", "Noor", "Mateo", "Yuki", "Ana", "Olu", "Ivy"};
-        const int children = 25000;
-        QStringList keys;
-        for (int child = 0; child < children; ++child)
-            keys << QStringLiteral("%1 %2,%3,2019-0%4-1%5")
-                        .arg(QLatin1String(first[child % 10]))
-                        .arg(child, 5, 10, QLatin1Char('0'))
-                        .arg(child % 3 ? QStringLiteral("Female") : QStringLiteral("Male"))
-                        .arg(1 + child % 9)
-                        .arg(child % 10);
-        QString text;
-        for (int i = 0; i < 4 * children; ++i)
-            text += keys.at(i % children) + QStringLiteral("|2024-05-17 10:42,-0.50,-0.75,85,+0.25,-0.00,5,62,Pass\n");
-        writeHistory(text);
-        openHistory();
-        std::sort(keys.begin(), keys.end());
-        QCOMPARE(rows()->rowCount(), children);
-        QCOMPARE(shownRows().first(), QString(keys.first()).replace(QLatin1Char(','), QLatin1Char('/')));
-
-        // "Zoe 0" names children 2, 12, ... 9992: a thousand of them.
-        widget<QLineEdit>("editSearch")->setText(QStringLiteral("Zoe 0"));
-        click("buttonSearch");
-        const QStringList zoes = keys.filter(QStringLiteral("Zoe 0"));
-        QCOMPARE(zoes.size(), 1000);
-        QCOMPARE(rows()->rowCount(), zoes.size());
-        QCOMPARE(shownRows().last(), QString(zoes.last()).replace(QLatin1Char(','), QLatin1Char('/')));
     }
 
     // --- the e-mail reporting page ---

@@ -66,25 +66,6 @@ private slots:
         QCOMPARE(statistics.contrast, 580u);
     }
 
-    void flatImageHasNoContrastAndSharpEdgesDo()
-    {
-        const int width = 64;
-        const int height = 32;
-        std::vector<uint8_t> flat(width * height * 3 / 2, 77);
-        std::vector<uint8_t> display(2 * width * height);
-        PreviewStatistics statistics = convert_raw_to_img_buffer_scale(flat.data(), display.data(), width, height, 32, 16);
-        QCOMPARE(statistics.brightness, 77u);
-        QCOMPARE(statistics.contrast, 0u);
-
-        std::vector<uint8_t> stripes(flat);
-        for (int r = 0; r < height; ++r)
-            for (int c = 0; c < width; ++c)
-                stripes[r * width + c] = (c / 4) % 2 ? 200 : 20;
-        statistics = convert_raw_to_img_buffer_scale(stripes.data(), display.data(), width, height, 32, 16);
-        QVERIFY(statistics.contrast > 1000);
-        QVERIFY(statistics.brightness > 100 && statistics.brightness < 120);
-    }
-
     void sixteenBitSamplesCentredWithNeutralChroma()
     {
         // A 2 x 2 source of 10-bit samples in a 4 x 4 picture: one-pixel

@@ -70,7 +70,7 @@ bool near(QColor a, QColor b, int tolerance)
 // Marks of the states the user must tell apart, all solid enough to be seen:
 // the accent's hue (antialiased edges and the faint tint of a selected
 // button's face do not count); lit parts, light where dimmed parts are
-// translucent or dark grey; the battery's charge and its warnings.
+// translucent or dark grey; the battery's charge.
 bool isAccent(QColor c)
 {
     return c.alpha() > 160 && c.red() < 120 && c.green() > 170 && c.blue() > 170;
@@ -82,14 +82,6 @@ bool isLit(QColor c)
 bool isSolid(QColor c)
 {
     return c.alpha() > 128;
-}
-bool isRed(QColor c)
-{
-    return c.alpha() > 160 && c.red() > 200 && c.green() < 120 && c.blue() < 120;
-}
-bool isAmber(QColor c)
-{
-    return c.alpha() > 160 && c.red() > 200 && c.green() > 150 && c.blue() < 100;
 }
 
 double differingShare(const QImage &a, const QImage &b)
@@ -235,25 +227,6 @@ private slots:
         }
     }
 
-    void batteryLevelsShareOneOutlineAndWarnWhenLow()
-    {
-        const QImage empty = load(QStringLiteral(":/png/history/battery0@2x.png"));
-        QVERIFY(!empty.isNull());
-        for (const QString level : {"0", "2", "4", "6", "8", ""}) {
-            const QString name = QStringLiteral(":/png/history/battery%1@2x.png").arg(level);
-            const QImage image = load(name);
-            QVERIFY2(image.size() == empty.size(), qPrintable(name));
-            // The charging animation cycles these; any outline pixel that
-            // moves would make the battery jump between frames.
-            for (int y = 0; y < image.height(); ++y)
-                for (int x = 0; x < image.width(); ++x)
-                    if (qAlpha(empty.pixel(x, y)) > 0 && qAlpha(image.pixel(x, y)) != qAlpha(empty.pixel(x, y)))
-                        QFAIL(qPrintable(QStringLiteral("%1: outline differs at %2,%3").arg(name).arg(x).arg(y)));
-            // Empty is red, the last bar amber, the others neither.
-            QCOMPARE(countPixels(image, isRed) > 0, level == QLatin1String("0"));
-            QCOMPARE(countPixels(image, isAmber) > 0, level == QLatin1String("2"));
-        }
-    }
 };
 
 QTEST_MAIN(TestResources)

@@ -71,14 +71,14 @@ struct Spot
     int value = -1;
 };
 
-// The brightest pixel at least `clearance` pixels away from `avoid`.
-Spot brightestSpot(const std::vector<uint8_t> &luma, const Spot &avoid = Spot(), int clearance = 0)
+// The brightest pixel: a glint.
+Spot brightestSpot(const std::vector<uint8_t> &luma)
 {
     Spot best;
     for (int y = 0; y < kHeight; ++y) {
         for (int x = 0; x < kWidth; ++x) {
             const int value = luma[y * kWidth + x];
-            if (value > best.value && !(std::abs(x - avoid.x) < clearance && std::abs(y - avoid.y) < clearance))
+            if (value > best.value)
                 best = {x, y, value};
         }
     }
@@ -348,32 +348,6 @@ private slots:
         QVERIFY2(std::is_sorted(sharpness.begin(), sharpness.begin() + 4), qPrintable(figures));
         QVERIFY2(std::is_sorted(sharpness.rbegin(), sharpness.rbegin() + 4), qPrintable(figures));
         QVERIFY2(sharpness[3] > 1.5 * sharpness[1] && sharpness[3] > 1.5 * sharpness[5], qPrintable(figures));
-    }
-
-    void eyesShowDarkPupilsAndBrightGlints()
-    {
-        QVERIFY(startStreaming(false));
-        int glintWithout = 0;
-        for (bool aiming : {false, true}) {
-            SimulatedWorld::instance().irLight = aiming;
-            const std::vector<uint8_t> frame = frameNow();
-            // The two brightest spots are the glints, level with each other
-            // and a child's eye distance apart around the middle.
-            const Spot first = brightestSpot(frame);
-            const Spot second = brightestSpot(frame, first, 60);
-            QVERIFY2(
-                std::abs(first.y - second.y) < 8 && std::abs(first.x - second.x) > 200 &&
-                    std::abs(first.x - second.x) < 330 && std::abs((first.x + second.x) / 2 - kWidth / 2) < 20,
-                qPrintable(QStringLiteral("(%1,%2) (%3,%4)").arg(first.x).arg(first.y).arg(second.x).arg(second.y)));
-            for (const Spot &glint : {first, second}) {
-                const Eye eye = eyeAround(frame, glint);
-                QVERIFY2(eye.pupil < 0.5 * eye.skin, qPrintable(eye.text()));
-                QVERIFY(glint.value > 1.4 * eye.skin && glint.value > 4 * eye.pupil);
-            }
-            // The aiming light's glint is far brighter than the room's.
-            QVERIFY2(!aiming || first.value > 2 * glintWithout, qPrintable(QString::number(glintWithout)));
-            glintWithout = first.value;
-        }
     }
 
     void brightPupilOnlyOnOddWordsWithTheFlash()
