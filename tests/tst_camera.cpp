@@ -206,6 +206,17 @@ private slots:
         QCOMPARE(data.V4l2DevicePullFrame(), 0);
     }
 
+    void aQueueWithoutAWriterStopsGrowing()
+    {
+        GData &data = startGData();
+        for (std::size_t i = 0; i < GData::kMaxQueuedFrames + 5; ++i)
+            data.H264Enqueue();
+        std::size_t queued = 0;
+        for (; data.H264Dequeue(); ++queued)
+            data.AVIFileWrite();
+        QCOMPARE(queued, GData::kMaxQueuedFrames);
+    }
+
     void recordingIsAValidH264Video()
     {
         const QString ffprobe = QStandardPaths::findExecutable(QStringLiteral("ffprobe"));
@@ -215,6 +226,8 @@ private slots:
         GData &data = startGData();
         QCOMPARE(data.V4l2DeviceOpen(), 1);
         QCOMPARE(data.AVIFileOpen(), 1);
+        // A second open would truncate the file under its writer.
+        QCOMPARE(data.AVIFileOpen(), 0);
         QCOMPARE(data.m_pCedarx->StartH264CedarX(), 0);
 
         // The capture side: only the flash-phase frames (odd words) are encoded.
