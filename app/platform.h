@@ -34,7 +34,9 @@ struct Platform
     QString startupScript = QStringLiteral("/root/appstart.sh");
 
     // Servers. Host names are placeholders of the reserved .example domain
-    // until a deployment names the real ones.
+    // until a deployment names the real ones; the time server is the public
+    // NTP pool instead, because a device whose clock was never set is never
+    // network-ready and cannot screen at all.
     QString analysisDefaultServer = QStringLiteral("analysis.orvella.example:15000");
     QString analysisHostUs = QStringLiteral("us.analysis.orvella.example");
     QString analysisHostIndia = QStringLiteral("in.analysis.orvella.example");
@@ -43,7 +45,7 @@ struct Platform
     int analysisPort = 15000;
     QString cloudPrintHost = QStringLiteral("print.orvella.example");
     QString updateBaseUrl = QStringLiteral("http://update.orvella.example/");
-    QString timeServer = QStringLiteral("time.orvella.example");
+    QString timeServer = QStringLiteral("pool.ntp.org");
     int timePort = 123;
     QString mailServer = QStringLiteral("mail.orvella.example");
     int mailPort = 25;

@@ -14,7 +14,9 @@ namespace {
 
 int s_signalPipe[2] = {-1, -1};
 
-// Only async-signal-safe work here: the event loop reads the byte.
+// Only async-signal-safe work here: the event loop reads the byte. The pipe
+// does not block, so a burst of signals cannot hang the handler; one byte
+// left unread is enough to quit.
 void onSignal(int number)
 {
     const char byte = static_cast<char>(number);
@@ -23,10 +25,29 @@ void onSignal(int number)
 
 } // namespace
 
+void catchTerminationSignals()
+{
+    if (s_signalPipe[0] >= 0)
+        return;
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, s_signalPipe) != 0) {
+        s_signalPipe[0] = s_signalPipe[1] = -1;
+        return;
+    }
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::sigaction(SIGINT, &action, nullptr);
+}
+
 void quitOnTerminationSignals(QCoreApplication *app)
 {
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, s_signalPipe) != 0)
+    catchTerminationSignals();
+    if (s_signalPipe[1] < 0)
         return;
+    // The notifier is level-triggered: a byte written before the loop started
+    // is seen on its first pass, and quit() is only heard inside the loop.
     auto *notifier = new QSocketNotifier(s_signalPipe[1], QSocketNotifier::Read, app);
     QObject::connect(notifier, &QSocketNotifier::activated, app, [app]() {
         char number = 0;
@@ -34,10 +55,4 @@ void quitOnTerminationSignals(QCoreApplication *app)
             qDebug("signal %d: leaving", number);
         app->quit();
     });
-    struct sigaction action = {};
-    action.sa_handler = onSignal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    ::sigaction(SIGTERM, &action, nullptr);
-    ::sigaction(SIGINT, &action, nullptr);
 }

@@ -27,7 +27,11 @@ MainDialog *s_mainDialog = nullptr;
 
 int main(int argc, char *argv[])
 {
+    // Before anything slow: a stop asked for during start-up (the simulator,
+    // a service shell, a test) must not kill the program half-started.
+    catchTerminationSignals();
     Application app(argc, argv);
+    quitOnTerminationSignals(&app);
 
     // Translations and C strings are UTF-8 already; only the locale codec,
     // which turns texts into bytes for files and commands, needs setting.
@@ -72,8 +76,8 @@ int main(int argc, char *argv[])
     if (simulated)
         startSimulatorTools(s_mainDialog);
 #endif
-
-    quitOnTerminationSignals(&app);
+    // Whoever started the program may wait for this line before talking to it.
+    qDebug("main window shown");
 
     const int result = app.exec();
     // The device is switched off rather than left; when the program is

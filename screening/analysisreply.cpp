@@ -8,6 +8,18 @@
 
 namespace analysisreply {
 
+namespace {
+
+// Qt's number syntax after trimming; "inf" and "nan" parse but are no value.
+bool isFiniteNumber(const QString &field)
+{
+    bool ok = false;
+    const double value = field.toDouble(&ok);
+    return ok && std::isfinite(value);
+}
+
+} // namespace
+
 bool decode(const QString &reply, Refraction &values)
 {
     const QStringList parts = reply.split(QLatin1Char(','));
@@ -31,8 +43,18 @@ bool decode(const QString &reply, Refraction &values)
         read.odAxis = parts[7].trimmed();
     }
 
-    // Fields that are no numbers are taken as they are: normalising shows
-    // them as "-0.00", which is how the device has always shown them.
+    // A captive portal's page or a proxy's error text can hold commas too;
+    // normalising would show its words as "-0.00" and the child would pass.
+    for (const QString *field :
+         {&read.osSphere, &read.odSphere, &read.osCylinder, &read.odCylinder, &read.osAxis, &read.odAxis}) {
+        if (!isFiniteNumber(*field))
+            return false;
+    }
+    // The pupil distance goes into the history file as it is: a server's
+    // text there could carry its separators or a line end.
+    if (!isFiniteNumber(read.pupilDistance))
+        read.pupilDistance = QStringLiteral("0");
+
     values = read;
     return true;
 }

@@ -20,8 +20,9 @@ struct Refraction
 
 // Takes the fields of a reply of seven or more comma-separated parts (part 0
 // is not used; a seven-part reply has no pupil distance, which becomes "0").
-// False, with the values untouched, for a shorter reply or one whose value
-// fields are not numbers.
+// False, with the values untouched, for a shorter reply or one whose spheres,
+// cylinders or axes are not all finite numbers. A pupil distance that is not
+// one becomes "0".
 bool decode(const QString &reply, Refraction &values);
 
 // A dioptre value as shown: a sign and two decimals. Zero and text that is

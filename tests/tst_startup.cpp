@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Start-up: language choice, the message handler, the tagged log lines and the whole program's first run.
 #include "application.h"
+#include "camcfg.h"
 #include "common.h"
 #include "messagehandler.h"
 #include "platform.h"
@@ -20,27 +21,27 @@
 
 namespace {
 
-// Runs fn with file descriptor 2 pointed at a temporary file and returns
-// what was written there.
-QByteArray captureStderr(const std::function<void()> &fn)
+// Runs fn in a child process and returns what it wrote on standard error;
+// ended receives the signal that ended the child, 0 for none.
+QByteArray stderrOfChild(const std::function<void()> &fn, int *ended)
 {
-    QTemporaryFile file;
-    if (!file.open())
+    QTemporaryFile output;
+    if (!output.open())
         return QByteArray("<no temporary file>");
     std::fflush(stderr);
-    const int saved = ::dup(2);
-    ::dup2(file.handle(), 2);
-    fn();
-    std::fflush(stderr);
-    ::dup2(saved, 2);
-    ::close(saved);
-    file.seek(0);
-    return file.readAll();
-}
-
-void emitThroughHandler(QtMsgType type, const QString &text)
-{
-    myMessageOutput(type, QMessageLogContext(), text);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(output.handle(), 2);
+        fn();
+        std::fflush(stderr);
+        ::_exit(0);
+    }
+    int status = 0;
+    if (child < 0 || ::waitpid(child, &status, 0) != child)
+        return QByteArray("<no child>");
+    *ended = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    output.seek(0);
+    return output.readAll();
 }
 
 } // namespace
@@ -52,31 +53,34 @@ class TestStartup : public QObject
 private:
     Application *app() const { return static_cast<Application *>(QCoreApplication::instance()); }
 
-    // Starts the real program on a throw-away device, waits for its
-    // settings file, stops it as the simulator does and returns its log.
-    QByteArray runProgramOnce(TestDevice &device, int *exitCode)
+    // Starts the real program on a throw-away device, stops it as the
+    // simulator does once it has printed `ready`, and returns its log.
+    QByteArray runProgramOnce(TestDevice &device, const QByteArray &ready, int *exitCode)
     {
-        // The program's own files outside its folder go to the test's folder too.
+        // The program's own files outside its folder go to the test's folder
+        // too, and it asks no public time server.
         const Platform &platform = Platform::instance();
         const QByteArray ini = "[paths]\napp_dir=" + device.appDir().toUtf8() +
                                "\nrecording=" + platform.recordingFile.toUtf8() +
                                "\ncamera_retry=" + platform.cameraRetryFile.toUtf8() +
                                "\nstartup_script=" + platform.startupScript.toUtf8() +
                                "\n[devices]\nsimulated=true\nled_loop=" + platform.ledLoopParameter.toUtf8() +
-                               "\nled_val=" + platform.ledValueParameter.toUtf8() + "\n";
+                               "\nled_val=" + platform.ledValueParameter.toUtf8() + "\n[servers]\ntime=127.0.0.1\n";
         device.writeFile(QStringLiteral("platform.ini"), ini);
         QProcess program;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         env.insert(QStringLiteral("ORVELLA_PLATFORM_FILE"), device.root() + QStringLiteral("/platform.ini"));
         program.setProcessEnvironment(env);
+        program.setReadChannel(QProcess::StandardError);
         program.start(QStringLiteral(ORVELLA_EXECUTABLE), QStringList());
         if (!program.waitForStarted(10000))
             return QByteArray("<did not start>");
-        for (int i = 0; i < 300 && !QFile::exists(device.configFile()); ++i)
-            QTest::qWait(50);
-        // Let the event loop come up before asking it to leave.
-        QTest::qWait(300);
+        QByteArray log;
+        for (int i = 0; i < 600 && !log.contains(ready) && program.state() == QProcess::Running; ++i) {
+            program.waitForReadyRead(100);
+            log += program.readAllStandardError();
+        }
         program.terminate();
         if (!program.waitForFinished(20000)) {
             program.kill();
@@ -85,116 +89,115 @@ private:
         } else {
             *exitCode = program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -2;
         }
-        return program.readAllStandardError();
+        return log + program.readAllStandardError();
     }
 
 private slots:
-    // --- language ---
-
-    void onlyTheThreeLanguageNamesChooseALocale_data()
+    // A known language name reaches a translation that loads; any other
+    // reaches none, and a load that fails drops the translation in force
+    // (the rows run in order: a known one comes first).
+    void languageNamesChooseAShippedTranslation_data()
     {
         QTest::addColumn<QString>("setting");
-        QTest::addColumn<QString>("locale");
-        const char *const rows[][2] = {{"English", "en_US"}, {"Chinese", "zh_CN"}, {"Spanish", "es_ES"},
-                                       {"spanish", ""},      {"Klingon", ""},      {"", ""}};
-        for (const auto &row : rows)
-            QTest::addRow("'%s'", row[0]) << QString::fromLatin1(row[0]) << QString::fromLatin1(row[1]);
+        QTest::addColumn<bool>("shipped");
+        const char *const known[] = {"English", "Chinese", "Spanish"};
+        for (const char *name : known)
+            QTest::newRow(name) << QString::fromLatin1(name) << true;
+        for (const char *name : {"spanish", "Klingon", ""})
+            QTest::addRow("'%s'", name) << QString::fromLatin1(name) << false;
     }
 
-    void onlyTheThreeLanguageNamesChooseALocale()
+    void languageNamesChooseAShippedTranslation()
     {
         QFETCH(QString, setting);
-        QFETCH(QString, locale);
-        QCOMPARE(Application::localeForLanguage(setting), locale);
-    }
-
-    void shippedTranslationsLoadAndUnknownLocaleLeavesBuiltInTexts()
-    {
-        for (const QString &locale : {QStringLiteral("en_US"), QStringLiteral("es_ES"), QStringLiteral("zh_CN")}) {
-            app()->switchLanguage(locale);
-            QVERIFY2(app()->hasTranslation(), qPrintable(locale));
+        QFETCH(bool, shipped);
+        const QString locale = Application::localeForLanguage(setting);
+        QCOMPARE(locale.isEmpty(), !shipped);
+        app()->switchLanguage(shipped ? locale : QStringLiteral("tlh_QO"));
+        QCOMPARE(app()->hasTranslation(), shipped);
+        if (shipped)
             QCOMPARE(QLocale().name(), locale);
-        }
-        // A failed load must also drop the previous translation.
-        app()->switchLanguage(QStringLiteral("tlh_QO"));
-        QVERIFY(!app()->hasTranslation());
-        QCOMPARE(QCoreApplication::translate("MainDialog", "OK"), QStringLiteral("OK"));
+        else
+            QCOMPARE(QCoreApplication::translate("MainDialog", "OK"), QStringLiteral("OK"));
     }
 
-    // --- message handler ---
-
-    void handlerPrintsDebugDropsWarningsTagsCritical()
+    // Debug lines are printed as they are and Qt's own warnings dropped;
+    // critical and fatal ones are tagged, and a fatal one aborts. The device's
+    // log lines carry their tag and the time.
+    void logLines_data()
     {
-        QCOMPARE(captureStderr([] { emitThroughHandler(QtDebugMsg, QStringLiteral("camera open")); }),
-                 QByteArray("camera open\n"));
-        QCOMPARE(captureStderr([] { emitThroughHandler(QtWarningMsg, QStringLiteral("style sheet")); }), QByteArray());
-        QCOMPARE(captureStderr([] { emitThroughHandler(QtCriticalMsg, QStringLiteral("no disk")); }),
-                 QByteArray("Critical: no disk\n"));
+        QTest::addColumn<int>("kind"); // a QtMsgType, or 10, 11, 12 for LOG, CHK, SCL
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("printed"); // a pattern
+        QTest::addColumn<int>("signal");
+        const QString time = QStringLiteral(" \\d\\d:\\d\\d:\\d\\d ");
+        const QString child = QString::fromUtf8("Ni\xc3\xb1o \xe7\x9c\xbc\xe7\xa7\x91");
+        QTest::newRow("debug") << int(QtDebugMsg) << child << child + QLatin1Char('\n') << 0;
+        QTest::newRow("warning") << int(QtWarningMsg) << QStringLiteral("style sheet") << QString() << 0;
+        QTest::newRow("critical") << int(QtCriticalMsg) << QStringLiteral("no disk")
+                                  << QStringLiteral("Critical: no disk\n") << 0;
+        QTest::newRow("fatal") << int(QtFatalMsg) << QStringLiteral("bad state") << QStringLiteral("Fatal: bad state\n")
+                               << int(SIGABRT);
+        QTest::newRow("LOG, empty") << 10 << QString() << "\\[LOG\\]" + time + "\n" << 0;
+        QTest::newRow("CHK") << 11 << child << "\\[CHK\\]" + time + child + "\n" << 0;
+        QTest::newRow("SCL") << 12 << QStringLiteral("x") << "\\[SCL\\]" + time + "x\n" << 0;
     }
 
-    void fatalMessageAborts()
+    void logLines()
     {
-        QTemporaryFile output;
-        QVERIFY(output.open());
-        const pid_t child = ::fork();
-        QVERIFY(child >= 0);
-        if (child == 0) {
-            ::dup2(output.handle(), 2);
-            emitThroughHandler(QtFatalMsg, QStringLiteral("bad state"));
-            ::_exit(0);
-        }
-        int status = 0;
-        QCOMPARE(::waitpid(child, &status, 0), child);
-        QVERIFY(WIFSIGNALED(status));
-        QCOMPARE(WTERMSIG(status), SIGABRT);
-        output.seek(0);
-        QCOMPARE(output.readAll(), QByteArray("Fatal: bad state\n"));
-    }
-
-    // --- tagged log lines ---
-
-    void taggedLinesCarryTimeAndText()
-    {
-        qInstallMessageHandler(myMessageOutput);
-        common helper;
-        const QRegularExpression emptyLine(QStringLiteral("^\\[LOG\\] \\d\\d:\\d\\d:\\d\\d \\n$"));
-        const QByteArray empty = captureStderr([&helper] { helper.saveLOG2File(QString()); });
-        QVERIFY2(emptyLine.match(QString::fromLatin1(empty)).hasMatch(), empty.constData());
-
-        const QString text = QString::fromUtf8("Ni\xc3\xb1o \xe7\x9c\xbc\xe7\xa7\x91");
-        const QByteArray chk = captureStderr([&] { helper.saveCHK2File(text); });
-        QVERIFY2(chk.startsWith("[CHK] ") && chk.endsWith(" " + text.toUtf8() + "\n"), chk.constData());
-        const QByteArray scl = captureStderr([&] { helper.saveSCL2File(QStringLiteral("x")); });
-        QVERIFY2(scl.startsWith("[SCL] ") && scl.endsWith(" x\n"), scl.constData());
-        qInstallMessageHandler(nullptr);
+        QFETCH(int, kind);
+        QFETCH(QString, text);
+        QFETCH(QString, printed);
+        QFETCH(int, signal);
+        int ended = -1;
+        const QByteArray output = stderrOfChild(
+            [kind, text] {
+                qInstallMessageHandler(myMessageOutput);
+                common helper;
+                if (kind == 10)
+                    helper.saveLOG2File(text);
+                else if (kind == 11)
+                    helper.saveCHK2File(text);
+                else if (kind == 12)
+                    helper.saveSCL2File(text);
+                else
+                    myMessageOutput(QtMsgType(kind), QMessageLogContext(), text);
+            },
+            &ended);
+        QCOMPARE(ended, signal);
+        const QRegularExpression pattern(QRegularExpression::anchoredPattern(printed));
+        QVERIFY2(pattern.match(QString::fromUtf8(output)).hasMatch(), output.constData());
     }
 
     // --- the whole program ---
 
-    // A first start writes the defaults; an unknown language is kept as it
-    // is, not replaced by a default, and starts without error either.
+    // A first start writes the settings file whole; a short one is completed,
+    // an unknown language in it kept as it is rather than replaced by a
+    // default. A stop that comes while the program is still starting (after
+    // its first line) ends it as cleanly as one to its running window.
     void programStartsAndExitsCleanly_data()
     {
         QTest::addColumn<QByteArray>("config");
-        QTest::addColumn<QByteArray>("written");
-        QTest::newRow("first start") << QByteArray() << QByteArray("225|1|50|5|5|1920*1080|");
-        QTest::newRow("unknown language")
-            << QByteArray("225|1|50|5|5|1920*1080|h:15000|0|-1|-1|0|0|Klingon|bt|||0|0|0|0|a@b")
-            << QByteArray("|Klingon|");
+        QTest::addColumn<QByteArray>("ready");
+        const QByteArray shown = "main window shown\n";
+        QTest::newRow("first start") << QByteArray() << shown;
+        QTest::newRow("unknown language") << QByteArray("225|1|50|5|5|1920*1080|h:15000|0|-1|-1|0|0|Klingon") << shown;
+        QTest::newRow("stopped while starting") << QByteArray() << QByteArray("\n");
     }
 
     void programStartsAndExitsCleanly()
     {
         QFETCH(QByteArray, config);
-        QFETCH(QByteArray, written);
+        QFETCH(QByteArray, ready);
         TestDevice device;
         if (!config.isNull())
             device.writeFile(QStringLiteral("app/CAMCFG/config.txt"), config);
         int exitCode = 0;
-        const QByteArray log = runProgramOnce(device, &exitCode);
-        QCOMPARE(exitCode, 0);
-        QVERIFY2(TestDevice::readFile(device.configFile()).contains(written), log.constData());
-        QVERIFY2(!log.contains("Critical:") && !log.contains("Fatal:"), log.constData());
+        const QByteArray log = runProgramOnce(device, ready, &exitCode);
+        QVERIFY2(exitCode == 0 && !log.contains("Critical:") && !log.contains("Fatal:"), log.constData());
+        const QByteArray written = TestDevice::readFile(device.configFile());
+        QVERIFY2(written.count('|') == CamCfg::kPositions - 1 && (config.isNull() || written.startsWith(config + '|')),
+                 written.constData());
     }
 };
 
