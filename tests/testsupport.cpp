@@ -59,6 +59,9 @@ TestDevice::TestDevice()
     platform.backlightPowerFile = sys + QStringLiteral("/bl_power");
     platform.pitchSensorDevice = sys + QStringLiteral("/iio");
     platform.printerSerialDevice = sys + QStringLiteral("/rfcomm0");
+    // A loopback address nobody serves: the worker threads' time requests
+    // never leave the machine, and a test that wants the time starts a server.
+    platform.timeServer = QStringLiteral("127.0.0.123");
     qputenv("ORVELLA_SIM_DIR", QFile::encodeName(simDir()));
     // Only the stand-ins and the basic system tools: a host wpa_cli or
     // poweroff must never be reached from a test.
