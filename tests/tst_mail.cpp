@@ -263,7 +263,10 @@ private slots:
         m_device.reset();
     }
 
-    void cleanupTestCase() { m_servers.clear(); }
+    void cleanupTestCase()
+    {
+        m_servers.clear();
+    }
 
     // --- deliveries, read back with a MIME parser ---
 
@@ -273,9 +276,15 @@ private slots:
         QTest::addColumn<QString>("security");
         QTest::addColumn<QString>("login");
         QTest::addColumn<bool>("history"); // the history export, else the test's video report
-        QTest::newRow("plain, video report") << "plain" << "none" << "" << false;
-        QTest::newRow("STARTTLS and login, video report") << "login" << "starttls" << "nurse:s3cret" << false;
-        QTest::newRow("TLS, history export to two") << "tls" << "tls" << "" << true;
+        QTest::newRow("plain, video report") << "plain"
+                                             << "none"
+                                             << "" << false;
+        QTest::newRow("STARTTLS and login, video report") << "login"
+                                                          << "starttls"
+                                                          << "nurse:s3cret" << false;
+        QTest::newRow("TLS, history export to two") << "tls"
+                                                    << "tls"
+                                                    << "" << true;
     }
 
     void deliveredWhole()
