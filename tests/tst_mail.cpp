@@ -379,6 +379,28 @@ private slots:
         QCOMPARE(received().size(), 0);
     }
 
+    // A server that takes the connection and never says a word must not hold
+    // the device past the time-out.
+    void silentServerIsGivenUpInTime()
+    {
+        QTcpServer quiet;
+        QVERIFY(quiet.listen(QHostAddress(kAddress)));
+        Mailer::Account from;
+        from.host = kAddress;
+        from.port = quiet.serverPort();
+        from.security = Mailer::Security::None;
+        from.sender = kSender;
+        Mailer mailer(from);
+        mailer.setTimeouts(1500, 1500);
+        Mailer::Message message;
+        message.recipients = kRecipient;
+        QElapsedTimer elapsed;
+        elapsed.start();
+        const QString status = mailer.send(message);
+        QVERIFY2(status.contains(QLatin1String("did not answer")), qPrintable(status));
+        QVERIFY2(elapsed.elapsed() >= 1400 && elapsed.elapsed() < 4500, qPrintable(QString::number(elapsed.elapsed())));
+    }
+
     // --- the header text of a name in any script ---
 
     void headerTextSurvivesEncoding_data()
