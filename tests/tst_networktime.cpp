@@ -128,7 +128,7 @@ private slots:
 
     // --- exchanges with scripted servers ---
 
-    void replyTimeIsTaken_data()
+    void clockFollowsTheServersReply_data()
     {
         QTest::addColumn<QList<QByteArray>>("datagrams");
         QTest::newRow("silent server") << QList<QByteArray>{};
@@ -138,7 +138,7 @@ private slots:
             << QList<QByteArray>{serverReply(0xE8FE6F80), serverReply(0xF4EA3180)};
     }
 
-    void replyTimeIsTaken()
+    void clockFollowsTheServersReply()
     {
         QFETCH(QList<QByteArray>, datagrams);
         skewClock();
