@@ -99,32 +99,42 @@ private slots:
     {
         g_pData = nullptr;
         m_data.reset();
-        m_cmdUtil.reset();
-        m_device.reset();
     }
 
     // --- the "please wait" dialog ---
 
-    void uploadEachModeKeepsItsResult_data()
+    void uploadRunsItsOperationOnceAndKeepsItsResult_data()
     {
         QTest::addColumn<int>("mode");
         QTest::addColumn<QString>("resultKept");
-        const char *const kept[] = {"bool", "bool", "none", "none", "string", "string", "int", "string", "none", "string"};
+        QTest::addColumn<bool>("activationArrives");
+        const char *const kept[] = {"bool",   "bool", "none",   "none", "string",
+                                    "string", "int",  "string", "none", "string"};
         for (int mode = 0; mode < 10; ++mode)
-            QTest::addRow("%d", mode) << mode << QString::fromLatin1(kept[mode]);
+            QTest::addRow("%d", mode) << mode << QString::fromLatin1(kept[mode]) << true;
+        QTest::newRow("6 never activated") << 6 << QStringLiteral("int") << false;
     }
 
-    void uploadEachModeKeepsItsResult()
+    void uploadRunsItsOperationOnceAndKeepsItsResult()
     {
         QFETCH(int, mode);
         QFETCH(QString, resultKept);
+        QFETCH(bool, activationArrives);
         LogCapture log;
         UploadDlg dialog;
         dialog.mode = mode;
         dialog.bResult = true;
         dialog.strResult = QStringLiteral("untouched");
         dialog.nResult = 12345;
+        ActivationEater eater;
+        if (!activationArrives)
+            dialog.installEventFilter(&eater);
         QVERIFY2(runModal(dialog), "the dialog did not close by itself");
+        // Neither a later activation nor a pending fallback may run it again.
+        dialog.removeEventFilter(&eater);
+        QEvent activate(QEvent::WindowActivate);
+        QApplication::sendEvent(&dialog, &activate);
+        QCoreApplication::processEvents();
         QCOMPARE(log.lines().count(QStringLiteral("UploadDlg mode %1").arg(mode)), 1);
         // Nothing answers here, so every operation fails: its failure shows
         // in exactly the member that belongs to the mode, the others keep
@@ -132,32 +142,6 @@ private slots:
         QCOMPARE(dialog.bResult, resultKept != QLatin1String("bool"));
         QCOMPARE(dialog.strResult == QLatin1String("untouched"), resultKept != QLatin1String("string"));
         QCOMPARE(dialog.nResult, resultKept == QLatin1String("int") ? -1 : 12345);
-    }
-
-    void uploadOperationRunsOnceEvenWithoutActivation_data()
-    {
-        QTest::addColumn<bool>("activationArrives");
-        QTest::newRow("activated") << true;
-        QTest::newRow("never activated") << false;
-    }
-
-    void uploadOperationRunsOnceEvenWithoutActivation()
-    {
-        QFETCH(bool, activationArrives);
-        LogCapture log;
-        UploadDlg dialog;
-        dialog.mode = 6;
-        ActivationEater eater;
-        if (!activationArrives)
-            dialog.installEventFilter(&eater);
-        QVERIFY2(runModal(dialog), "the dialog did not close by itself");
-
-        // Neither a later activation nor a pending fallback may run it again.
-        dialog.removeEventFilter(&eater);
-        QEvent activate(QEvent::WindowActivate);
-        QApplication::sendEvent(&dialog, &activate);
-        QCoreApplication::processEvents();
-        QCOMPARE(log.lines().count(QStringLiteral("UploadDlg mode 6")), 1);
     }
 
     // --- the message box ---
@@ -266,6 +250,7 @@ private slots:
         row("a date", true, "edit", "", {"2", "0", "2", "1", "Minus", "0", "2", "Minus", "3", "1", "Del", "0"},
             "2021-02-30");
         row("a signed value", true, "label", "-", {"1", "Dot", "5"}, "-1.5");
+        row("no field: the keypad's own copy", false, "none", "", {"Del", "Q"}, "q");
     }
 
     void typing()
@@ -275,30 +260,25 @@ private slots:
         QFETCH(QString, before);
         QFETCH(QStringList, keys);
         QFETCH(QString, typed);
-        std::unique_ptr<QWidget> field;
-        if (target == QLatin1String("label")) {
-            field = std::make_unique<QLabel>(before);
-        } else {
-            auto edit = std::make_unique<QLineEdit>(before);
-            if (target == QLatin1String("password3")) {
-                edit->setEchoMode(QLineEdit::Password);
-                edit->setMaxLength(3);
-            }
-            field = std::move(edit);
+        QLabel label(before);
+        QLineEdit edit(before);
+        if (target == QLatin1String("password3")) {
+            edit.setEchoMode(QLineEdit::Password);
+            edit.setMaxLength(3);
         }
-        std::unique_ptr<QDialog> keyboard;
-        if (digitPad) {
-            auto pad = std::make_unique<NumKeypadDlg>();
-            pad->setTarget(field.get());
-            keyboard = std::move(pad);
-        } else {
-            auto keypad = std::make_unique<KeypadDlg>();
-            keypad->setTarget(field.get());
-            keyboard = std::move(keypad);
-        }
+        QWidget *field = target == QLatin1String("label") ? static_cast<QWidget *>(&label) : &edit;
+        KeypadDlg keypad;
+        NumKeypadDlg pad;
+        QDialog *keyboard = digitPad ? static_cast<QDialog *>(&pad) : &keypad;
+        // Without a field the keyboard is never given one.
+        if (target == QLatin1String("none"))
+            field = nullptr;
+        else if (digitPad)
+            pad.setTarget(field);
+        else
+            keypad.setTarget(field);
         auto *copy = keyboard->findChild<QLineEdit *>(QStringLiteral("editKeypad"));
-        if (auto *edit = qobject_cast<QLineEdit *>(field.get()))
-            QCOMPARE(copy->echoMode(), edit->echoMode());
+        QCOMPARE(copy->echoMode(), field == &edit ? edit.echoMode() : QLineEdit::Normal);
         QCOMPARE(copy->text(), before);
 
         keyboard->show();
@@ -309,22 +289,15 @@ private slots:
                      qPrintable(key->objectName()));
         }
         for (const QString &key : keys)
-            click(keyboard.get(), QStringLiteral("button") + key);
-        QCOMPARE(field->property("text").toString(), typed);
+            click(keyboard, QStringLiteral("button") + key);
+        if (field)
+            QCOMPARE(field->property("text").toString(), typed);
         QCOMPARE(copy->text(), typed);
         if (keys.last().size() == 1)
-            QCOMPARE(shownText(button(keyboard.get(), QStringLiteral("button") + keys.last())), typed.right(1));
+            QCOMPARE(shownText(button(keyboard, QStringLiteral("button") + keys.last())), typed.right(1));
         QVERIFY(keyboard->isVisible());
-        click(keyboard.get(), QStringLiteral("buttonCloseKeypad"));
+        click(keyboard, QStringLiteral("buttonCloseKeypad"));
         QVERIFY(!keyboard->isVisible());
-    }
-
-    void aKeypadWithoutFieldEditsItsOwnCopy()
-    {
-        KeypadDlg unbound;
-        click(&unbound, QStringLiteral("buttonDel"));
-        click(&unbound, QStringLiteral("buttonQ"));
-        QCOMPARE(unbound.findChild<QLineEdit *>(QStringLiteral("editKeypad"))->text(), QStringLiteral("q"));
     }
 };
 

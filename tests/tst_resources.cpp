@@ -12,31 +12,34 @@
 
 namespace {
 
+// Each name in `pattern`, "%1" replaced by each of `items`.
+QStringList names(const char *pattern, const QStringList &items)
+{
+    QStringList all;
+    for (const QString &item : items)
+        all << QString::fromLatin1(pattern).arg(item);
+    return all;
+}
+
 // The contract with the pages: these names, at these pixel sizes.
 const std::map<QString, QSize> kImages = [] {
     std::map<QString, QSize> all;
-    const auto add = [&all](QSize size, const QStringList &names) {
-        for (const QString &name : names)
+    const auto add = [&all](QSize size, const QStringList &list) {
+        for (const QString &name : list)
             all[name] = size;
     };
-    add({64, 32}, {":/png/history/battery@2x.png", ":/png/history/battery8@2x.png", ":/png/history/battery6@2x.png",
-                   ":/png/history/battery4@2x.png", ":/png/history/battery2@2x.png", ":/png/history/battery0@2x.png"});
-    add({48, 36}, {":/png/history/wifi@2x.png", ":/png/history/wifi2@2x.png", ":/png/history/wifi3@2x.png",
-                   ":/png/history/wifi4@2x.png"});
-    add({120, 120}, {":/png/mainpage/male@2x.png", ":/png/mainpage/male1@2x.png", ":/png/mainpage/female@2x.png",
-                     ":/png/mainpage/female1@2x.png"});
+    add({64, 32}, names(":/png/history/battery%1@2x.png", {"", "8", "6", "4", "2", "0"}));
+    add({48, 36}, names(":/png/history/wifi%1@2x.png", {"", "2", "3", "4"}));
+    add({120, 120}, names(":/png/mainpage/%1@2x.png", {"male", "male1", "female", "female1"}));
     add({96, 96}, {":/png/flashon@2x.png", ":/png/flashon_off@2x.png", ":/png/camera/shutter@2x.png"});
-    add({40, 40}, {":/pic/checkon.jpg", ":/pic/checkoff.jpg", ":/pic/wifi_lock.jpg", ":/pic/wifi_select.jpg",
-                   ":/pic/wifi_saved.jpg"});
-    add({48, 40}, {":/pic/wifi_sig3.jpg", ":/pic/wifi_sig2.jpg", ":/pic/wifi_sig1.jpg", ":/pic/wifi_sig0.jpg"});
+    add({40, 40}, names(":/pic/%1.jpg", {"checkon", "checkoff", "wifi_lock", "wifi_select", "wifi_saved"}));
+    add({48, 40}, names(":/pic/wifi_sig%1.jpg", {"3", "2", "1", "0"}));
     add({48, 48}, {":/pic/pwdshow.jpg", ":/pic/pwdhide.jpg", ":/png/back@2x.png"});
     add({64, 64}, {":/pic/update_new.jpg"});
-    for (const char *item : {"setup", "history", "camera", "power"})
-        add({64, 64}, {QStringLiteral(":/png/menu/%1@2x.png").arg(QLatin1String(item)),
-                       QStringLiteral(":/png/menu/%1_on@2x.png").arg(QLatin1String(item))});
-    for (const char *item : {"wifi", "timezone", "sleep", "country", "referral", "param", "machineid", "update",
-                             "language", "email", "printer", "reset"})
-        add({48, 48}, {QStringLiteral(":/png/setup/%1@2x.png").arg(QLatin1String(item))});
+    add({64, 64}, names(":/png/menu/%1@2x.png",
+                        {"setup", "history", "camera", "power", "setup_on", "history_on", "camera_on", "power_on"}));
+    add({48, 48}, names(":/png/setup/%1@2x.png", {"wifi", "timezone", "sleep", "country", "referral", "param",
+                                                  "machineid", "update", "language", "email", "printer", "reset"}));
     add({32, 32}, {":/png/chevron@2x.png"});
     add({160, 160}, {":/png/logo@2x.png"});
     add({200, 200}, {":/png/nowifi@2x.png"});
@@ -71,17 +74,11 @@ bool near(QColor a, QColor b, int tolerance)
 // the accent's hue (antialiased edges and the faint tint of a selected
 // button's face do not count); lit parts, light where dimmed parts are
 // translucent or dark grey; the battery's charge.
-bool isAccent(QColor c)
+bool showsMark(const QString &mark, QColor c)
 {
-    return c.alpha() > 160 && c.red() < 120 && c.green() > 170 && c.blue() > 170;
-}
-bool isLit(QColor c)
-{
-    return c.alpha() > 200 && c.lightness() > 170;
-}
-bool isSolid(QColor c)
-{
-    return c.alpha() > 128;
+    if (mark == QLatin1String("accent"))
+        return c.alpha() > 160 && c.red() < 120 && c.green() > 170 && c.blue() > 170;
+    return mark == QLatin1String("lit") ? c.alpha() > 200 && c.lightness() > 170 : c.alpha() > 128;
 }
 
 double differingShare(const QImage &a, const QImage &b)
@@ -180,39 +177,29 @@ private slots:
     {
         QTest::addColumn<QStringList>("images");
         QTest::addColumn<QString>("mark");
-        const auto pair = [](const QString &off, const QString &on) {
-            QTest::newRow(qPrintable(on)) << QStringList{off, on} << QStringLiteral("accent");
+        const auto row = [](const QString &name, const QStringList &images, const char *mark) {
+            QTest::newRow(qPrintable(name)) << images << QString::fromLatin1(mark);
         };
-        pair(QStringLiteral(":/png/mainpage/male1@2x.png"), QStringLiteral(":/png/mainpage/male@2x.png"));
-        pair(QStringLiteral(":/png/mainpage/female1@2x.png"), QStringLiteral(":/png/mainpage/female@2x.png"));
-        pair(QStringLiteral(":/png/flashon_off@2x.png"), QStringLiteral(":/png/flashon@2x.png"));
-        pair(QStringLiteral(":/pic/checkoff.jpg"), QStringLiteral(":/pic/checkon.jpg"));
+        for (const QString item : {"mainpage/male", "mainpage/female"})
+            row(item, names(":/png/%1@2x.png", {item + "1", item}), "accent");
+        row("flash", {":/png/flashon_off@2x.png", ":/png/flashon@2x.png"}, "accent");
+        row("check", {":/pic/checkoff.jpg", ":/pic/checkon.jpg"}, "accent");
         for (const QString item : {"setup", "history", "camera", "power"})
-            pair(QStringLiteral(":/png/menu/%1@2x.png").arg(item), QStringLiteral(":/png/menu/%1_on@2x.png").arg(item));
-        QTest::newRow("battery") << QStringList{":/png/history/battery0@2x.png", ":/png/history/battery2@2x.png",
-                                                ":/png/history/battery4@2x.png", ":/png/history/battery6@2x.png",
-                                                ":/png/history/battery8@2x.png", ":/png/history/battery@2x.png"}
-                                 << QStringLiteral("solid");
-        QTest::newRow("status bar signal") << QStringList{":/png/history/wifi4@2x.png", ":/png/history/wifi3@2x.png",
-                                                          ":/png/history/wifi2@2x.png", ":/png/history/wifi@2x.png"}
-                                           << QStringLiteral("lit");
-        QTest::newRow("table signal") << QStringList{":/pic/wifi_sig0.jpg", ":/pic/wifi_sig1.jpg",
-                                                     ":/pic/wifi_sig2.jpg", ":/pic/wifi_sig3.jpg"}
-                                      << QStringLiteral("lit");
+            row(item, names(":/png/menu/%1@2x.png", {item, item + "_on"}), "accent");
+        row("battery", names(":/png/history/battery%1@2x.png", {"0", "2", "4", "6", "8", ""}), "solid");
+        row("status bar signal", names(":/png/history/wifi%1@2x.png", {"4", "3", "2", ""}), "lit");
+        row("table signal", names(":/pic/wifi_sig%1.jpg", {"0", "1", "2", "3"}), "lit");
     }
 
     void statesShowMoreOfTheirMark()
     {
         QFETCH(QStringList, images);
         QFETCH(QString, mark);
-        const std::function<bool(QColor)> marked = mark == QLatin1String("accent") ? isAccent
-                                                   : mark == QLatin1String("lit")  ? isLit
-                                                                                   : isSolid;
         QVector<int> counts;
         for (const QString &name : images) {
             const QImage image = load(name);
             QVERIFY2(!image.isNull(), qPrintable(name));
-            counts << countPixels(image, marked);
+            counts << countPixels(image, [&](QColor c) { return showsMark(mark, c); });
         }
         for (int i = 1; i < counts.size(); ++i)
             QVERIFY2(counts[i] > counts[i - 1],
@@ -226,7 +213,6 @@ private slots:
             QVERIFY(counts.first() > 0);
         }
     }
-
 };
 
 QTEST_MAIN(TestResources)
