@@ -3,6 +3,8 @@
 #include "testsupport.h"
 
 #include "platform.h"
+#include "simulatedworld.h"
+#include "systemclock.h"
 
 #include <QDir>
 #include <QFile>
@@ -132,4 +134,37 @@ bool LogCapture::contains(const QString &text) const
 {
     const QStringList all = lines();
     return std::any_of(all.begin(), all.end(), [&text](const QString &line) { return line.contains(text); });
+}
+
+void DeviceFixture::setUp(bool start)
+{
+    m_device = std::make_unique<TestDevice>();
+    SimulatedWorld::instance().reset();
+    m_cmd = std::make_unique<CmdUtil>();
+    if (start)
+        startDevice();
+}
+
+void DeviceFixture::startDevice(bool init)
+{
+    m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
+    if (init)
+        m_data->Init(nullptr);
+    g_pData = m_data.get();
+}
+
+void DeviceFixture::tearDown()
+{
+    g_pData = nullptr;
+    m_data.reset();
+    m_cmd.reset();
+    systemclock::setSourceForTesting(nullptr);
+    systemclock::setOffsetMSecs(0);
+    m_device.reset();
+}
+
+void DeviceFixture::freezeClock(qint64 msecs)
+{
+    m_nowMs = msecs;
+    systemclock::setSourceForTesting([this] { return m_nowMs; });
 }

@@ -50,7 +50,7 @@ const analysisreply::Refraction kKeep{"keep", "keep", "keep", "keep", "keep", "k
 
 } // namespace
 
-class TestAnalysis : public QObject
+class TestAnalysis : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
@@ -67,8 +67,8 @@ class TestAnalysis : public QObject
 private slots:
     void initTestCase()
     {
-        m_device = std::make_unique<TestDevice>();
-        m_data = std::make_unique<GData>(nullptr, makeSimulatedDevices());
+        setUp(false);
+        startDevice(false);
         m_data->m_pCommon = new common(m_data.get());
         m_mac = m_data->m_pCommon->GetETNetMACAddress();
         m_serversUp = true;
@@ -102,9 +102,7 @@ private slots:
     {
         for (AnalysisServer &server : m_servers)
             server.stop();
-        m_data.reset();
-        m_device.reset();
-        SimulatedWorld::instance().reset();
+        tearDown();
     }
 
     // --- the reply, without a network ---
@@ -329,8 +327,6 @@ private slots:
     }
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<GData> m_data;
     AnalysisServer m_servers[4]; // US, India, China, Philippines
     bool m_serversUp = false;
     QString m_mac;

@@ -17,27 +17,22 @@
 
 #include <memory>
 
-class TestCamera : public QObject
+class TestCamera : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
     std::unique_ptr<SimulatedCamera> m_camera;
     std::unique_ptr<V4l2Device> m_v4l2;
 
     QString retryFile() const { return m_device->root() + QStringLiteral("/camera.txt"); }
-
-    CmdUtil m_cmd;
-    std::unique_ptr<GData> m_data;
 
     // GData over the shared simulated camera, as the application starts it.
     GData &startGData()
     {
         SimulatedCamera::instance().resetFaults();
         SimulatedCamera::instance().setPaced(false);
-        m_data = std::make_unique<GData>(&m_cmd, makeSimulatedDevices());
-        m_data->Init(nullptr);
+        startDevice();
         return *m_data;
     }
 
@@ -68,7 +63,7 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
+        setUp(false);
         m_camera = std::make_unique<SimulatedCamera>();
         m_camera->setPaced(false);
         V4l2Device::resetFailureCount();
@@ -81,9 +76,8 @@ private slots:
             m_v4l2->close_device();
         }
         m_v4l2.reset();
-        m_data.reset();
         m_camera.reset();
-        m_device.reset();
+        tearDown();
     }
 
     // --- opening fails cleanly ---

@@ -30,14 +30,11 @@ QStringList wpaCalls(const QStringList &commands)
 
 } // namespace
 
-class TestCommandRunner : public QObject
+class TestCommandRunner : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-
     void saveSupplicantConfig(const QByteArray &text)
     {
         m_device->writeFile(QStringLiteral("sim/wifi/wpa_supplicant.conf"), text);
@@ -46,16 +43,14 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
-        m_cmd = std::make_unique<CmdUtil>();
+        setUp(false);
         qputenv("ORVELLA_SIM_WIFI_JOIN_MS", "300");
     }
 
     void cleanup()
     {
         qunsetenv("ORVELLA_SIM_WIFI_JOIN_MS");
-        m_cmd.reset();
-        m_device.reset();
+        tearDown();
     }
 
     // --- text the shell quoting cannot carry runs nothing ---

@@ -15,17 +15,14 @@
 
 #include <sys/resource.h>
 
-class TestConfiguration : public QObject
+class TestConfiguration : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmdUtil;
-
     std::unique_ptr<GData> startGData()
     {
-        auto data = std::make_unique<GData>(m_cmdUtil.get(), makeSimulatedDevices());
+        auto data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
         data->Init(nullptr);
         return data;
     }
@@ -38,17 +35,8 @@ private:
     QByteArray configOnDisk() const { return TestDevice::readFile(m_device->configFile()); }
 
 private slots:
-    void init()
-    {
-        m_device = std::make_unique<TestDevice>();
-        m_cmdUtil = std::make_unique<CmdUtil>();
-    }
-
-    void cleanup()
-    {
-        m_cmdUtil.reset();
-        m_device.reset();
-    }
+    void init() { setUp(false); }
+    void cleanup() { tearDown(); }
 
     // --- failure paths: missing, empty, short, long, malformed, unwritable ---
 

@@ -10,12 +10,11 @@
 
 #include <memory>
 
-class TestDevicePower : public QObject
+class TestDevicePower : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
     std::unique_ptr<LinuxDevicePower> m_power;
 
     QString node(const QString &name) const { return m_device->root() + QStringLiteral("/sys/") + name; }
@@ -27,18 +26,17 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
+        setUp(false);
         m_power = std::make_unique<LinuxDevicePower>(LinuxDevicePower::Paths{
             node(QStringLiteral("power_supply/battery/capacity")), node(QStringLiteral("power_supply/usb/online")),
             node(QStringLiteral("backlight/lcd/bl_power")), node(QStringLiteral("irled")),
             node(QStringLiteral("iio/device0"))});
-        SimulatedWorld::instance().reset();
     }
 
     void cleanup()
     {
         m_power.reset();
-        m_device.reset();
+        tearDown();
     }
 
     // --- missing and unreadable nodes ---

@@ -73,33 +73,20 @@ public:
 
 } // namespace
 
-class TestDialogs : public QObject
+class TestDialogs : public QObject, private DeviceFixture
 {
     Q_OBJECT
-
-private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmdUtil;
-    std::unique_ptr<GData> m_data;
 
 private slots:
     void initTestCase()
     {
-        m_device = std::make_unique<TestDevice>();
-        m_cmdUtil = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmdUtil.get(), makeSimulatedDevices());
-        m_data->Init(nullptr);
-        g_pData = m_data.get();
+        setUp();
         QFont font(QStringLiteral("WenQuanYi Micro Hei"));
         font.setPixelSize(28);
         QApplication::setFont(font);
     }
 
-    void cleanupTestCase()
-    {
-        g_pData = nullptr;
-        m_data.reset();
-    }
+    void cleanupTestCase() { tearDown(); }
 
     // --- the "please wait" dialog ---
 

@@ -64,15 +64,11 @@ extern "C" int fsync(int fd)
     return real(fd);
 }
 
-class TestHistory : public QObject
+class TestHistory : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<GData> m_data;
-    qint64 m_nowMs = 0;
-
     QString historyDir() const { return m_device->appDir() + QStringLiteral("/CAMCFG"); }
     QString historyFile() const { return historyDir() + QStringLiteral("/result.txt"); }
     QByteArray onDisk() const { return TestDevice::readFile(historyFile()); }
@@ -122,19 +118,14 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
-        systemclock::setSourceForTesting([this] { return m_nowMs; });
+        setUp(false);
+        freezeClock();
         // No Init: a fresh device has no CAMCFG folder until something saves.
-        m_data = std::make_unique<GData>(nullptr, makeSimulatedDevices());
+        startDevice(false);
         s_syncs.clear();
     }
 
-    void cleanup()
-    {
-        m_data.reset();
-        systemclock::setSourceForTesting(nullptr);
-        m_device.reset();
-    }
+    void cleanup() { tearDown(); }
 
     // --- failure paths ---
 

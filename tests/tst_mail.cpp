@@ -133,7 +133,7 @@ QByteArray awkwardRecording()
 
 } // namespace
 
-class TestMail : public QObject
+class TestMail : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
@@ -145,8 +145,6 @@ private:
     // Started once: "plain", "tls" (encrypted from the start) and "login"
     // (STARTTLS, then nurse:s3cret), all storing into one maildir.
     std::map<QString, std::unique_ptr<SmtpServer>> m_servers;
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<GData> m_data;
 
     QString path(const QString &name) const { return m_shared.filePath(name); }
     QString maildir() const { return m_shared.filePath(QStringLiteral("mail")); }
@@ -249,18 +247,14 @@ private slots:
             QDir(maildir() + QLatin1String(folder)).removeRecursively();
             QDir().mkpath(maildir() + QLatin1String(folder));
         }
-        m_device = std::make_unique<TestDevice>();
-        m_data = std::make_unique<GData>(nullptr, makeSimulatedDevices());
-        m_data->InitCommonAndConfig();
+        setUp();
         m_data->m_pCamCfg->setValue(CamCfg::EmailReporting, QStringLiteral("1"));
         m_data->m_pCamCfg->setValue(CamCfg::EmailAddress, kRecipient);
     }
 
     void cleanup()
     {
-        m_data.reset();
-        systemclock::setSourceForTesting(nullptr);
-        m_device.reset();
+        tearDown();
     }
 
     void cleanupTestCase()

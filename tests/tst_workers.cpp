@@ -67,14 +67,11 @@ private:
 
 } // namespace
 
-class TestWorkers : public QObject
+class TestWorkers : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
     std::unique_ptr<CameraThread> m_camera;
     std::unique_ptr<VideoThread> m_video;
 
@@ -109,14 +106,9 @@ private:
 private slots:
     void init()
     {
-        m_device = std::make_unique<TestDevice>();
-        SimulatedWorld::instance().reset();
         camera().resetFaults();
         camera().setPaced(false);
-        m_cmd = std::make_unique<CmdUtil>();
-        m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
-        m_data->Init(nullptr);
-        g_pData = m_data.get();
+        setUp();
     }
 
     void cleanup()
@@ -129,11 +121,8 @@ private slots:
         }
         m_camera.reset();
         m_video.reset();
-        g_pData = nullptr;
-        m_data.reset();
-        m_cmd.reset();
+        tearDown();
         camera().resetFaults();
-        m_device.reset();
     }
 
     // --- recordings that cannot be filled ---

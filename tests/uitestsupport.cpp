@@ -3,29 +3,11 @@
 // message boxes.
 #include "uitestsupport.h"
 
-#include "simulatedworld.h"
-#include "systemclock.h"
-
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QStringList>
 #include <QTest>
-
-void WindowFixture::setUp()
-{
-    m_device = std::make_unique<TestDevice>();
-    SimulatedWorld::instance().reset();
-    m_cmd = std::make_unique<CmdUtil>();
-    startDevice();
-}
-
-void WindowFixture::startDevice()
-{
-    m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
-    m_data->Init(nullptr);
-    g_pData = m_data.get();
-}
 
 void WindowFixture::openWindow(MainDialog::Workers workers)
 {
@@ -37,18 +19,7 @@ void WindowFixture::openWindow(MainDialog::Workers workers)
 void WindowFixture::tearDown()
 {
     m_window.reset();
-    g_pData = nullptr;
-    m_data.reset();
-    m_cmd.reset();
-    systemclock::setSourceForTesting(nullptr);
-    systemclock::setOffsetMSecs(0);
-    m_device.reset();
-}
-
-void WindowFixture::freezeClock(qint64 msecs)
-{
-    m_nowMs = msecs;
-    systemclock::setSourceForTesting([this] { return m_nowMs; });
+    DeviceFixture::tearDown();
 }
 
 void WindowFixture::click(const char *name)

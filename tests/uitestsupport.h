@@ -3,8 +3,6 @@
 // message boxes.
 #pragma once
 
-#include "cmdutil.h"
-#include "gdata.h"
 #include "maindialog.h"
 #include "testsupport.h"
 
@@ -28,36 +26,21 @@ template <class T> T *findWidget(const QObject *parent, const char *name)
     return found;
 }
 
-// The main window and everything it stands on: a throw-away device, the
-// command runner, the device's data (as g_pData) and a clock the test may
-// stop. A test class derives from it and calls setUp() and tearDown() from its
-// init() and cleanup(). The window's 200 ms tick is stopped: tests call tick().
-class WindowFixture
+// The main window over a DeviceFixture, whose clock a test may stop. A test
+// class derives from it and calls setUp() and tearDown() from its init() and
+// cleanup(). The window's 200 ms tick is stopped: tests call tick().
+class WindowFixture : public DeviceFixture
 {
 protected:
-    static constexpr qint64 kFrozenMs = 1700000000000LL; // 2023-11-14 22:13:20 UTC
-
-    // A fresh device and simulated world with the data read from them; no window yet.
-    void setUp();
-    // The data read anew from the device's files, as after a restart.
-    void startDevice();
     void openWindow(MainDialog::Workers workers = MainDialog::Workers::DoNotStart);
-    // Undoes all of the above, the window first, and gives the process its own clock back.
+    // The window first, then the device.
     void tearDown();
-
-    // From now on the device's clock reads `msecs` until advance() moves it on.
-    void freezeClock(qint64 msecs = kFrozenMs);
-    void advance(int seconds) { m_nowMs += 1000LL * seconds; }
 
     template <class T> T *widget(const char *name) const { return findWidget<T>(m_window.get(), name); }
     void click(const char *name);
     void tick();
 
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
     std::unique_ptr<MainDialog> m_window;
-    qint64 m_nowMs = 0;
 };
 
 // Answers each modal dialog that opens: hands it to `respond`, which must
