@@ -57,27 +57,17 @@ referral::Refraction eyes(double leftSphere, double rightSphere, double leftCyli
 
 } // namespace
 
-class TestReferral : public QObject
+class TestReferral : public QObject, private DeviceFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<TestDevice> m_device;
-    std::unique_ptr<CmdUtil> m_cmd;
-    std::unique_ptr<GData> m_data;
-    qint64 m_nowMs = 0;
-
     // The device folder and the service object, made on first use: the
     // band table has hundreds of rows that need neither.
     GData &data()
     {
-        if (!m_data) {
-            m_device = std::make_unique<TestDevice>();
-            m_cmd = std::make_unique<CmdUtil>();
-            m_data = std::make_unique<GData>(m_cmd.get(), makeSimulatedDevices());
-            m_data->Init(nullptr);
-            g_pData = m_data.get();
-        }
+        if (!m_data)
+            setUp();
         return *m_data;
     }
 
@@ -159,20 +149,8 @@ private:
     }
 
 private slots:
-    void init()
-    {
-        m_nowMs = 1700000000000LL;
-        systemclock::setSourceForTesting([this] { return m_nowMs; });
-    }
-
-    void cleanup()
-    {
-        g_pData = nullptr;
-        m_data.reset();
-        m_cmd.reset();
-        systemclock::setSourceForTesting(nullptr);
-        m_device.reset();
-    }
+    void init() { freezeClock(); }
+    void cleanup() { tearDown(); }
 
     // --- the setting, and values that are no refraction ---
 
@@ -265,54 +243,44 @@ private slots:
 
     // --- the settings page ---
 
-    void choosingSavesAtOnceAndTheTextsFit_data()
-    {
-        QTest::addColumn<int>("before");
-        QTest::addColumn<QString>("opensOn");
-        QTest::addColumn<QString>("criterion");
-        QTest::addColumn<int>("setting");
-        QTest::newRow("unknown, then Matta") << 7 << "Arthur2" << "Matta" << 1;
-        QTest::newRow("Matta, then Arthur2") << 1 << "Matta" << "Arthur2" << 2;
-        QTest::newRow("Arthur2, then Arnold") << 2 << "Arthur2" << "Arnold" << 0;
-        QTest::newRow("Arnold, then Matta") << 0 << "Arnold" << "Matta" << 1;
-    }
-
     void choosingSavesAtOnceAndTheTextsFit()
     {
-        QFETCH(int, before);
-        QFETCH(QString, opensOn);
-        QFETCH(QString, criterion);
-        QFETCH(int, setting);
         // On disk a value that neither opening nor choosing leaves behind.
         CamCfg &cfg = *data().m_pCamCfg;
         cfg.setValue(CamCfg::ReferralCriterion, QStringLiteral("9"));
         cfg.dogenCurrentCFG();
         QCOMPARE(cfg.saveCFG2File(), QStringLiteral("1"));
-        data().m_nReferralCriterion = before;
+        data().m_nReferralCriterion = 7;
         auto window = openReferralPage();
-        QCOMPARE(shownCriterion(*window), opensOn + QStringLiteral(" on page") + opensOn);
+        QCOMPARE(shownCriterion(*window), QStringLiteral("Arthur2 on pageArthur2"));
         QCOMPARE(criterionOnDisk(), QStringLiteral("9"));
 
-        click(*window, criterion);
-        QCOMPARE(data().m_nReferralCriterion, setting);
-        QCOMPARE(criterionOnDisk(), QString::number(setting));
-        QCOMPARE(shownCriterion(*window), criterion + QStringLiteral(" on page") + criterion);
-        // Layouts of a page just shown settle on the next event loop pass.
-        QCoreApplication::processEvents();
-        QWidget *page = shownPage(*window);
-        const QList<QLabel *> labels = page->findChildren<QLabel *>();
-        QVERIFY(!labels.isEmpty());
-        for (const QLabel *label : labels) {
-            // Wider than its label, a line would wrap onto a second one.
-            const int width = label->fontMetrics().horizontalAdvance(label->text());
-            QVERIFY2(width <= label->contentsRect().width(), qPrintable(label->text()));
-            QVERIFY2(label->geometry().bottom() < page->height(), qPrintable(label->text()));
+        for (const auto &[criterion, setting] : {std::pair<QString, int>{"Matta", 1}, {"Arnold", 0}, {"Arthur2", 2}}) {
+            click(*window, criterion);
+            QCOMPARE(data().m_nReferralCriterion, setting);
+            QCOMPARE(criterionOnDisk(), QString::number(setting));
+            QCOMPARE(shownCriterion(*window), criterion + QStringLiteral(" on page") + criterion);
+            // Layouts of a page just shown settle on the next event loop pass.
+            QCoreApplication::processEvents();
+            QWidget *page = shownPage(*window);
+            const QList<QLabel *> labels = page->findChildren<QLabel *>();
+            QVERIFY(!labels.isEmpty());
+            for (const QLabel *label : labels) {
+                // Wider than its label, a line would wrap onto a second one.
+                const int width = label->fontMetrics().horizontalAdvance(label->text());
+                QVERIFY2(width <= label->contentsRect().width(), qPrintable(label->text()));
+                QVERIFY2(label->geometry().bottom() < page->height(), qPrintable(label->text()));
+            }
+            // Opened again, the page shows the criterion chosen.
+            window.reset();
+            window = openReferralPage();
+            QCOMPARE(shownCriterion(*window), criterion + QStringLiteral(" on page") + criterion);
         }
 
         window.reset();
         GData restarted(m_cmd.get(), makeSimulatedDevices());
         restarted.Init(nullptr);
-        QCOMPARE(restarted.m_nReferralCriterion, setting);
+        QCOMPARE(restarted.m_nReferralCriterion, 2);
     }
 };
 
