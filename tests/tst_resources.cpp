@@ -55,12 +55,13 @@ QImage load(const QString &name)
     return QImage(name).convertToFormat(QImage::Format_ARGB32);
 }
 
-int countPixels(const QImage &image, const std::function<bool(QColor)> &wanted)
+// The pixels of `image` for which `wanted` holds, by position.
+int countPixels(const QImage &image, const std::function<bool(QPoint)> &wanted)
 {
     int count = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
-            count += wanted(image.pixelColor(x, y)) ? 1 : 0;
+            count += wanted(QPoint(x, y)) ? 1 : 0;
     return count;
 }
 
@@ -83,10 +84,7 @@ bool showsMark(const QString &mark, QColor c)
 
 double differingShare(const QImage &a, const QImage &b)
 {
-    int differing = 0;
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x)
-            differing += near(a.pixelColor(x, y), b.pixelColor(x, y), 24) ? 0 : 1;
+    const int differing = countPixels(a, [&](QPoint p) { return !near(a.pixelColor(p), b.pixelColor(p), 24); });
     return double(differing) / (a.width() * a.height());
 }
 
@@ -199,7 +197,7 @@ private slots:
         for (const QString &name : images) {
             const QImage image = load(name);
             QVERIFY2(!image.isNull(), qPrintable(name));
-            counts << countPixels(image, [&](QColor c) { return showsMark(mark, c); });
+            counts << countPixels(image, [&](QPoint p) { return showsMark(mark, image.pixelColor(p)); });
         }
         for (int i = 1; i < counts.size(); ++i)
             QVERIFY2(counts[i] > counts[i - 1],
