@@ -22,8 +22,6 @@ constexpr int kWidth = SimulatedCamera::kWidth;
 constexpr int kHeight = SimulatedCamera::kHeight;
 constexpr uint32_t kImageSize = kWidth * kHeight * 3 / 2;
 
-enum Fault { Paced, FailingDequeues, Silent, LedWordHeld };
-
 bool failsWith(int result, int error)
 {
     return result == -1 && errno == error;
@@ -131,44 +129,23 @@ private slots:
         m_maps.clear();
     }
 
-    void faultsHappenAsPromised_data()
+    // At the sensor's pace: nothing the moment streaming starts, then frames
+    // in order, the driver word telling the LED's phase: odd and even by turns.
+    void framesComeInOrderAtTheSensorsPace()
     {
-        QTest::addColumn<int>("fault");
-        QTest::newRow("none, at the sensor's pace") << int(Paced);
-        QTest::newRow("two dequeues fail") << int(FailingDequeues);
-        QTest::newRow("sensor silent") << int(Silent);
-        QTest::newRow("LED word held") << int(LedWordHeld);
-    }
-
-    void faultsHappenAsPromised()
-    {
-        QFETCH(int, fault);
-        m_camera->setPaced(fault == Paced);
-        m_camera->failNextDequeues(fault == FailingDequeues ? 2 : 0);
-        m_camera->setDelivering(fault != Silent);
-        m_camera->setLedPhase(fault == LedWordHeld ? 3 : -1);
+        m_camera->setPaced(true);
         QElapsedTimer timer;
         timer.start();
         QVERIFY(start());
         v4l2_buffer record;
-        for (int i = 0; fault == FailingDequeues && i < 2; ++i)
-            QVERIFY(failsWith(queue(&record, 0, VIDIOC_DQBUF), EIO));
-        // Nothing is ready the moment paced streaming starts, nor ever from a silent sensor.
-        if (fault == Paced || fault == Silent)
-            QVERIFY(failsWith(queue(&record, 0, VIDIOC_DQBUF), EAGAIN));
-        if (fault == Silent) {
-            QCOMPARE(waitReadable(100), 0);
-            m_camera->setDelivering(true);
-        }
-        // Then frames come in order, the driver word telling the LED's phase:
-        // odd and even by turns.
+        QVERIFY(failsWith(queue(&record, 0, VIDIOC_DQBUF), EAGAIN));
         for (uint32_t i = 0; i < 4; ++i) {
             QVERIFY(!frameNow(&record).empty());
             QCOMPARE(record.sequence, i);
-            QCOMPARE(record.reserved, fault == LedWordHeld ? 3 : i);
+            QCOMPARE(record.reserved, i);
         }
         const qint64 pacedMs = 4 * 1000 / SimulatedCamera::kFramesPerSecond;
-        QVERIFY2(fault != Paced || timer.elapsed() >= pacedMs - 10, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY2(timer.elapsed() >= pacedMs - 10, qPrintable(QString::number(timer.elapsed())));
     }
 
     void previewFiguresFollowTheScene()
