@@ -12,8 +12,6 @@
 #include <QFile>
 #include <QTest>
 
-#include <memory>
-
 namespace {
 
 // One server per region (US, India, China, Philippines), each on an address

@@ -2,7 +2,6 @@
 // The camera device over the simulated driver, and a whole recording from camera to AVI file.
 #include "avilib.h"
 #include "cedarxutil.h"
-#include "cmdutil.h"
 #include "gdata.h"
 #include "platform.h"
 #include "simulatedcamera.h"

@@ -8,8 +8,6 @@
 #include <QProcess>
 #include <QTest>
 
-#include <memory>
-
 namespace {
 
 const char kThreeSavedNetworks[] = "ctrl_interface=/var/run/wpa_supplicant\nupdate_config=1\n\n"

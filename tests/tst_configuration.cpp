@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The settings file and the calibration file, from the file on disk to GData's typed values.
 #include "camcfg.h"
-#include "cmdutil.h"
 #include "gdata.h"
 #include "platform.h"
 #include "testsupport.h"

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The small modal dialogs every page uses: message box, keyboards and the "please wait" dialog.
-#include "cmdutil.h"
 #include "gdata.h"
 #include "keypaddlg.h"
 #include "msgdialog.h"
@@ -17,7 +16,6 @@
 #include <QTimer>
 
 #include <functional>
-#include <memory>
 
 namespace {
 

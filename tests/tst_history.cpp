@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The history file: one line per test appended and synced, read back whole, rewritten atomically.
 #include "gdata.h"
-#include "systemclock.h"
 #include "testsupport.h"
 
 #include <QDir>
@@ -11,7 +10,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <memory>
 #include <vector>
 
 #include <dlfcn.h>

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The ranging sensor: driver operations against the simulated chip, and GData's distance readings.
-#include "cmdutil.h"
 #include "gdata.h"
 #include "linuxi2cbus.h"
 #include "platform.h"

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The referral criteria: age in months, every band of the three criteria, and the page that chooses one.
 #include "camcfg.h"
-#include "cmdutil.h"
 #include "gdata.h"
 #include "maindialog.h"
 #include "referral.h"
-#include "systemclock.h"
 #include "testsupport.h"
 
 #include <QLabel>

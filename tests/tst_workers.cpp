@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The capture, recording, sensor and housekeeping threads over the simulated camera.
 #include "camerathread.h"
-#include "cmdutil.h"
 #include "devicethread.h"
 #include "gdata.h"
 #include "hwthread.h"
