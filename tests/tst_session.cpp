@@ -117,80 +117,59 @@ private slots:
 
     // --- aiming guidance ---
 
-    void distanceLimits_data()
+    // One tick of guidance: which value label shows what, and whether the good-aim marks replace the level mark.
+    void aimGuidance_data()
     {
         QTest::addColumn<int>("distance");
-        QTest::addColumn<QString>("shown");
+        QTest::addColumn<int>("pitch");
+        QTest::addColumn<int>("brightness");
+        QTest::addColumn<bool>("light");
+        QTest::addColumn<QString>("valueLabel");
+        QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("good");
-        QTest::newRow("no reading") << 0 << "---" << false;
-        QTest::newRow("94") << 94 << "94" << false;
-        QTest::newRow("95") << 95 << "95" << true;
-        QTest::newRow("100") << 100 << "100" << true;
-        QTest::newRow("101") << 101 << "101" << false;
-        QTest::newRow("250 shows 200") << 250 << "200" << false;
+        const auto row = [](const char *name, int d, int p, int b, bool light, const char *label, const char *text,
+                            bool good) { QTest::newRow(name) << d << p << b << light << label << text << good; };
+        row("no distance reading", 0, 0, 5, false, "labelDistanceValueRed", "---", false);
+        row("94", 94, 0, 5, false, "labelDistanceValueRed", "94", false);
+        row("95", 95, 0, 5, false, "labelDistanceValue", "95", true);
+        row("100", 100, 0, 5, false, "labelDistanceValue", "100", true);
+        row("101", 101, 0, 5, false, "labelDistanceValueRed", "101", false);
+        row("250 shows 200", 250, 0, 5, false, "labelDistanceValueRed", "200", false);
+        row("pitch -8", 97, -8, 5, false, "labelPitchValueRed", "-8°", false);
+        row("pitch -7", 97, -7, 5, false, "labelPitchValue", "-7°", true);
+        row("pitch 7", 97, 7, 5, false, "labelPitchValue", "7°", true);
+        row("pitch 8", 97, 8, 5, false, "labelPitchValueRed", "8°", false);
+        row("pitch 60, off the scale", 97, 60, 5, false, "labelPitchValueRed", "60°", false);
+        row("brightness 19", 97, 0, 19, false, "labelBrightnessValue", "19", true);
+        row("brightness 20", 97, 0, 20, false, "labelBrightnessValueRed", "20", false);
+        row("brightness 20, light on", 97, 0, 20, true, "labelBrightnessValue", "20", true);
     }
 
-    void distanceLimits()
+    void aimGuidance()
     {
         QFETCH(int, distance);
-        QFETCH(QString, shown);
-        QFETCH(bool, good);
-        openCameraPage();
-        aim(distance, 0, 5);
-        tick();
-        QCOMPARE(this->shown("labelDistanceValue"), good);
-        QCOMPARE(this->shown("labelDistanceValueRed"), !good);
-        QCOMPARE(label(good ? "labelDistanceValue" : "labelDistanceValueRed")->text(), shown);
-        QCOMPARE(this->shown("labelLineC1_2"), good);
-    }
-
-    void pitchLimitsAndTheLevelMark_data()
-    {
-        QTest::addColumn<int>("pitch");
-        QTest::addColumn<bool>("good");
-        QTest::newRow("-8") << -8 << false;
-        QTest::newRow("-7") << -7 << true;
-        QTest::newRow("7") << 7 << true;
-        QTest::newRow("8") << 8 << false;
-        QTest::newRow("60, off the scale") << 60 << false;
-    }
-
-    void pitchLimitsAndTheLevelMark()
-    {
         QFETCH(int, pitch);
+        QFETCH(int, brightness);
+        QFETCH(bool, light);
+        QFETCH(QString, valueLabel);
+        QFETCH(QString, text);
         QFETCH(bool, good);
         openCameraPage();
-        aim(97, pitch, 5);
+        aim(distance, pitch, brightness);
+        m_data->m_bTorchOn = light;
         tick();
-        QCOMPARE(shown("labelPitchValue"), good);
-        QCOMPARE(label(good ? "labelPitchValue" : "labelPitchValueRed")->text(),
-                 QString::number(pitch) + QStringLiteral("°"));
+        const QByteArray name = valueLabel.toLatin1();
+        QVERIFY(shown(name.constData()));
+        QCOMPARE(label(name.constData())->text(), text);
+        // The twin of the label is hidden: only one of the normal and red pair shows.
+        const QByteArray twin = name.endsWith("Red") ? name.chopped(3) : name + "Red";
+        QVERIFY(!shown(twin.constData()));
+        QCOMPARE(shown("labelLineC1_2"), good);
         QCOMPARE(shown("labelLineRB1_2"), good);
-        // With a good aim the level mark gives way to the good-aim marks.
+        // With a good aim the level mark gives way to the good-aim marks; it moves 2.5 px a degree.
         QCOMPARE(shown("labelLineDOF"), !good && pitch <= 59);
-        if (!good && pitch <= 59) {
-            const QRect mark = label("labelLineDOF")->geometry();
-            QCOMPARE(mark.top(), 188 - (5 * pitch) / 2);
-            QCOMPARE(mark.height(), 4);
-            QCOMPARE(mark.left(), 400);
-            QCOMPARE(mark.width(), 474);
-        }
-    }
-
-    void brightnessLimitUnlessTheLightIsOn()
-    {
-        openCameraPage();
-        aim(97, 0, 19);
-        tick();
-        QVERIFY(shown("labelBrightnessValue"));
-        aim(97, 0, 20);
-        tick();
-        QVERIFY(shown("labelBrightnessValueRed"));
-        QVERIFY(!shown("labelLineC1_2"));
-        m_data->m_bTorchOn = 1;
-        tick();
-        QVERIFY(shown("labelBrightnessValue"));
-        QVERIFY(shown("labelLineC1_2"));
+        if (!good && pitch <= 59)
+            QCOMPARE(label("labelLineDOF")->geometry(), QRect(400, 188 - (5 * pitch) / 2, 474, 4));
     }
 
     // --- capture ---
