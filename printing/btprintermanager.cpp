@@ -65,7 +65,9 @@ void BtPrinterManager::parseScanText(const QString &text, QMap<QString, BtDevice
     const QStringList lines = text.split(QRegularExpression(QStringLiteral("[\\r\\n]")), Qt::SkipEmptyParts);
     for (const QString &raw : lines) {
         const QString line = raw.trimmed();
-        if (line.isEmpty())
+        // The prompt left alone on its line when an event interrupts it.
+        static const QRegularExpression prompt(QStringLiteral("^\\[[^\\]]*\\]#$"));
+        if (line.isEmpty() || prompt.match(line).hasMatch())
             continue;
         QRegularExpressionMatch match = newDevice.match(line);
         if (!match.hasMatch())
