@@ -28,7 +28,7 @@ public:
         Language = 13,
         PrinterKind = 14,
         BluetoothPrinter = 15,
-        Unused16 = 16,
+        PrinterDeviceId = 16, // the cloud printer's device ID
         AutoCapture = 17,
         PitchOffset = 18,
         DistanceOffset = 19,

@@ -235,16 +235,6 @@ bool GData::versionDownlod()
     return false;
 }
 
-QString GData::printTestpage()
-{
-    return QString();
-}
-
-QString GData::printResult()
-{
-    return QString();
-}
-
 int GData::versionCheck()
 {
     return -1;

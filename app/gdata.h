@@ -3,6 +3,7 @@
 #pragma once
 
 #include "deviceset.h"
+#include "historyrecord.h"
 #include "sensorcalibration.h"
 
 #include <QDate>
@@ -16,8 +17,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
+class BtPrinterManager;
 class CamCfg;
 class DevicePower;
 class V4l2Device;
@@ -168,12 +171,34 @@ public:
     QString readTestResult();
     void saveDeleteResult(const QString &text);
 
-    // Long operations run behind UploadDlg. Their areas are not built yet:
-    // until they are, each reports failure (false, empty text, -1).
+    // Long operations run behind UploadDlg. The update area is not built
+    // yet: until it is, each of its operations reports failure (false, -1).
     bool versionDownlod();
+    int versionCheck();
+
+    // Printing; see gdata_print.cpp. Each returns a status text: "OK", a
+    // message for the operator, or empty when no known printer kind is set.
+    // The printer kind (settings position 14) chooses "bt" or "network".
     QString printTestpage();
     QString printResult();
-    int versionCheck();
+    QString bluetoothPrintString(const QString &text);
+    QString bluetoothPrintResult();
+    QString bluetoothPrintTestpage();
+    // "OK" when the cloud service took the ticket, else "Error".
+    QString httpPrintString(const QString &text);
+    QString httpPrintResult();
+    QString httpPrintTestpage();
+    // Scans and binds the Bluetooth printer; made on first use, owned here.
+    BtPrinterManager *btPrinterManager();
+    // The current test as a record; the receipts and the history use it.
+    historyrecord::Test currentTest() const;
+    // A record the next printResult prints instead of the current test (the
+    // history page's choice); printResult clears it.
+    std::optional<historyrecord::Test> m_printRecord;
+    // The pauses between attempts to open the printer; empty means
+    // QThread::msleep. Tests put in one that only counts.
+    std::function<void(int ms)> m_fnPrinterSleep;
+    int m_nPrintTimeoutSeconds = 30;
 
     // The report mailer; see gdata_mail.cpp. Each returns an empty text when
     // the message was handed to the mail server, else what went wrong.
@@ -313,6 +338,9 @@ public:
 
     // The history export waiting for the mailer: the file that holds it.
     QString m_strReportFile;
+
+private:
+    BtPrinterManager *m_pBtPrinterManager = nullptr;
 };
 
 extern GData *g_pData;

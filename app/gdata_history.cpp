@@ -33,6 +33,19 @@ void GData::saveTestResult()
         return;
     m_strTestTime = historyrecord::testTimeText(getLocalTime());
 
+    const QString line = historyrecord::line(currentTest());
+    qDebug("%s", qPrintable(line));
+
+    file.write((line + QLatin1Char('\n')).toUtf8());
+    // The result page counts the test as kept once this returns: a power cut
+    // after that must not take the line with it from the page cache.
+    if (file.flush())
+        ::fdatasync(file.handle());
+    file.close();
+}
+
+historyrecord::Test GData::currentTest() const
+{
     historyrecord::Test test;
     test.name = m_strName;
     test.male = m_nSex != 0;
@@ -46,15 +59,7 @@ void GData::saveTestResult()
     test.osAxis = m_strOSAxis;
     test.pupilDistance = m_strPupilDistance;
     test.result = m_strResult;
-    const QString line = historyrecord::line(test);
-    qDebug("%s", qPrintable(line));
-
-    file.write((line + QLatin1Char('\n')).toUtf8());
-    // The result page counts the test as kept once this returns: a power cut
-    // after that must not take the line with it from the page cache.
-    if (file.flush())
-        ::fdatasync(file.handle());
-    file.close();
+    return test;
 }
 
 QString GData::readTestResult()

@@ -65,6 +65,11 @@ public slots:
     void video_thread_slot(int value);
     void device_thread_slot(QString text);
 
+    // Pairs and binds the chosen Bluetooth printer with a visible wait, keeps
+    // its address in settings position 15 when bound, and tells the operator
+    // (maindialog_print.cpp). For the printer settings page.
+    void bindBtPrinterRequest(const QString &mac, int channel);
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -82,6 +87,10 @@ private slots:
     void on_buttonMale_clicked();
     void on_buttonFemale_clicked();
     void on_buttonResultNext_clicked();
+    // Receipts (maindialog_print.cpp): the current test, or the latest test
+    // of each child ticked on the history page.
+    void on_buttonResultPrint_clicked();
+    void on_buttonHistoryPrint_clicked();
 
     // Camera page (maindialog_camera.cpp).
     void on_buttonCameraReturn_clicked();
@@ -208,6 +217,8 @@ private:
     void beginTakePhoto();
     void setGoodAimMarks(bool good);
     void pageResultShow();
+    // Prints behind the progress dialog and shows the status; true when printed.
+    bool printWithStatus();
     void editNamePressed();
     void editDatePressed();
     void showDateParts();

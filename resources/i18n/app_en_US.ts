@@ -99,6 +99,14 @@
         <source>This message confirms that the screener can send its reports to this address.</source>
         <translation>This message confirms that the screener can send its reports to this address.</translation>
     </message>
+    <message>
+        <source>Open printer failed</source>
+        <translation>Open printer failed</translation>
+    </message>
+    <message>
+        <source>Printer init failed</source>
+        <translation>Printer init failed</translation>
+    </message>
 </context>
 <context>
     <name>KeypadDlg</name>
@@ -492,6 +500,18 @@
         <source>No report was sent: set the e-mail address on the E-mail Reports page.</source>
         <translation>No report was sent: set the e-mail address on the E-mail Reports page.</translation>
     </message>
+    <message>
+        <source>Printed</source>
+        <translation>Printed</translation>
+    </message>
+    <message>
+        <source>No printer is set</source>
+        <translation>No printer is set</translation>
+    </message>
+    <message>
+        <source>Printer bound: %1</source>
+        <translation>Printer bound: %1</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -593,6 +613,10 @@
     <message>
         <source>E-mail</source>
         <translation>E-mail</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>Print</translation>
     </message>
 </context>
 <context>
@@ -763,6 +787,10 @@
     <message>
         <source>Next Child</source>
         <translation>Next Child</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>Print</translation>
     </message>
 </context>
 <context>

@@ -99,6 +99,14 @@
         <source>This message confirms that the screener can send its reports to this address.</source>
         <translation>Este mensaje confirma que el equipo de cribado puede enviar sus informes a esta dirección.</translation>
     </message>
+    <message>
+        <source>Open printer failed</source>
+        <translation>No se pudo abrir la impresora</translation>
+    </message>
+    <message>
+        <source>Printer init failed</source>
+        <translation>Error al iniciar la impresora</translation>
+    </message>
 </context>
 <context>
     <name>KeypadDlg</name>
@@ -492,6 +500,18 @@
         <source>No report was sent: set the e-mail address on the E-mail Reports page.</source>
         <translation>No se envió ningún informe: configure la dirección de correo en la página de informes por correo.</translation>
     </message>
+    <message>
+        <source>Printed</source>
+        <translation>Impreso</translation>
+    </message>
+    <message>
+        <source>No printer is set</source>
+        <translation>No hay ninguna impresora configurada</translation>
+    </message>
+    <message>
+        <source>Printer bound: %1</source>
+        <translation>Impresora vinculada: %1</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -593,6 +613,10 @@
     <message>
         <source>E-mail</source>
         <translation>Enviar correo</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>Imprimir</translation>
     </message>
 </context>
 <context>
@@ -763,6 +787,10 @@
     <message>
         <source>Next Child</source>
         <translation>Siguiente niño</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>Imprimir</translation>
     </message>
 </context>
 <context>

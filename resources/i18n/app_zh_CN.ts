@@ -99,6 +99,14 @@
         <source>This message confirms that the screener can send its reports to this address.</source>
         <translation>收到此邮件，说明筛查仪可以向该地址发送报告。</translation>
     </message>
+    <message>
+        <source>Open printer failed</source>
+        <translation>打开打印机失败</translation>
+    </message>
+    <message>
+        <source>Printer init failed</source>
+        <translation>打印机初始化失败</translation>
+    </message>
 </context>
 <context>
     <name>KeypadDlg</name>
@@ -492,6 +500,18 @@
         <source>No report was sent: set the e-mail address on the E-mail Reports page.</source>
         <translation>未发送报告：请在邮件报告页面设置邮箱地址。</translation>
     </message>
+    <message>
+        <source>Printed</source>
+        <translation>已打印</translation>
+    </message>
+    <message>
+        <source>No printer is set</source>
+        <translation>未设置打印机</translation>
+    </message>
+    <message>
+        <source>Printer bound: %1</source>
+        <translation>打印机已绑定：%1</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -593,6 +613,10 @@
     <message>
         <source>E-mail</source>
         <translation>发送邮件</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>打印</translation>
     </message>
 </context>
 <context>
@@ -763,6 +787,10 @@
     <message>
         <source>Next Child</source>
         <translation>下一位</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>打印</translation>
     </message>
 </context>
 <context>

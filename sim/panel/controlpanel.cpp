@@ -3,6 +3,7 @@
 #include "controlpanel.h"
 
 #include "analysisserver.h"
+#include "cloudprintserver.h"
 #include "gdata.h"
 #include "simulatedcamera.h"
 #include "simulatedworld.h"
@@ -12,14 +13,17 @@
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFile>
+#include <QFileInfo>
 #include <QFont>
 #include <QFontDatabase>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPixmap>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScrollArea>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTextCodec>
@@ -87,9 +91,10 @@ QString subjectOf(const QString &path)
 
 } // namespace
 
-ControlPanel::ControlPanel(AnalysisServer *analysisServer, QWidget *parent)
+ControlPanel::ControlPanel(AnalysisServer *analysisServer, CloudPrintServer *cloudPrintServer, QWidget *parent)
     : QWidget(parent)
     , m_analysisServer(analysisServer)
+    , m_cloudPrintServer(cloudPrintServer)
 {
     setWindowTitle(QStringLiteral("Orvella simulator"));
     // A desktop tool: the device's large touch-screen font does not suit it.
@@ -136,6 +141,10 @@ ControlPanel::ControlPanel(AnalysisServer *analysisServer, QWidget *parent)
     addAnalysisGroup(servers);
     addMailGroup(servers);
     servers->addStretch();
+    // The paper has a column of its own: a receipt is long.
+    auto *printers = new QVBoxLayout;
+    columns->addLayout(printers);
+    addPrinterGroup(printers);
 
     auto *aim = new QPushButton(QStringLiteral("Aim well"), this);
     aim->setObjectName(QStringLiteral("buttonAimWell"));
@@ -264,6 +273,81 @@ void ControlPanel::addMailGroup(QLayout *layout)
     connect(timer, &QTimer::timeout, this, &ControlPanel::refreshMail);
     timer->start(1000);
     refreshMail();
+}
+
+void ControlPanel::addPrinterGroup(QLayout *layout)
+{
+    auto *group = new QGroupBox(QStringLiteral("Printers"), this);
+    auto *form = new QVBoxLayout(group);
+    layout->addWidget(group);
+
+    form->addWidget(new QLabel(QStringLiteral("Bluetooth receipt printer, last receipt:"), group));
+    m_receipt = new QLabel(group);
+    m_receipt->setObjectName(QStringLiteral("labelReceipt"));
+    m_receipt->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    auto *paper = new QScrollArea(group);
+    paper->setWidget(m_receipt);
+    paper->setWidgetResizable(true);
+    paper->setMinimumSize(300, 420);
+    form->addWidget(paper);
+    m_receiptPath = new QLabel(group);
+    m_receiptPath->setObjectName(QStringLiteral("labelReceiptPath"));
+    m_receiptPath->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_receiptPath->setWordWrap(true);
+    form->addWidget(m_receiptPath);
+
+    auto *cloud = new QFormLayout;
+    form->addLayout(cloud);
+    m_cloudFault = new QComboBox(group);
+    m_cloudFault->setObjectName(QStringLiteral("comboCloudPrintFault"));
+    for (int i = 0; i < CloudPrintServer::kFaultCount; ++i)
+        m_cloudFault->addItem(CloudPrintServer::faultName(static_cast<CloudPrintServer::Fault>(i)));
+    m_cloudFault->setEnabled(m_cloudPrintServer != nullptr);
+    connect(m_cloudFault, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this](int index) {
+        if (m_cloudPrintServer)
+            m_cloudPrintServer->setFault(static_cast<CloudPrintServer::Fault>(index));
+    });
+    cloud->addRow(QStringLiteral("Cloud service fault"), m_cloudFault);
+    m_cloudRequests = new QLabel(group);
+    cloud->addRow(QStringLiteral("Cloud requests"), m_cloudRequests);
+    form->addWidget(new QLabel(
+        QStringLiteral("Cloud printer, last ticket (device ID %1):").arg(CloudPrintServer::registeredDeviceId()),
+        group));
+    m_cloudTicket = new QLabel(group);
+    m_cloudTicket->setObjectName(QStringLiteral("labelCloudTicket"));
+    m_cloudTicket->setTextFormat(Qt::PlainText);
+    m_cloudTicket->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_cloudTicket->setStyleSheet(QStringLiteral("background: rgb(250,248,240); color: rgb(40,40,48); padding: 6px;"));
+    form->addWidget(m_cloudTicket);
+
+    const QString state = qEnvironmentVariable("ORVELLA_SIM_DIR");
+    if (!state.isEmpty())
+        m_printerDir = state + QStringLiteral("/printer");
+    auto *timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &ControlPanel::refreshPrinters);
+    timer->start(1000);
+    refreshPrinters();
+}
+
+void ControlPanel::refreshPrinters()
+{
+    const QFileInfo last(m_printerDir + QStringLiteral("/last-receipt.png"));
+    if (m_printerDir.isEmpty() || !last.exists()) {
+        m_receipt->setText(QStringLiteral("nothing printed yet"));
+        m_receiptPath->clear();
+    } else if (last.lastModified() != m_receiptTime) {
+        m_receiptTime = last.lastModified();
+        QPixmap picture(last.filePath());
+        m_receipt->setPixmap(picture.width() > 300 ? picture.scaledToWidth(300, Qt::SmoothTransformation) : picture);
+        m_receiptPath->setText(last.filePath());
+    }
+    if (!m_cloudPrintServer || !m_cloudPrintServer->isRunning()) {
+        m_cloudRequests->setText(QStringLiteral("service not running"));
+        return;
+    }
+    m_cloudRequests->setText(QString::number(m_cloudPrintServer->requestCount()));
+    const QStringList pieces = m_cloudPrintServer->lastAcceptedPieces();
+    m_cloudTicket->setText(pieces.isEmpty() ? QStringLiteral("nothing printed yet") : pieces.join(QLatin1Char('\n')));
 }
 
 void ControlPanel::refreshMail()

@@ -2,9 +2,11 @@
 // The tester's window beside the simulated device: the scene in front of it, its servers, what it measured.
 #pragma once
 
+#include <QDateTime>
 #include <QWidget>
 
 class AnalysisServer;
+class CloudPrintServer;
 class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
@@ -21,7 +23,8 @@ class ControlPanel : public QWidget
 
 public:
     // Without an analysis server its group sets only the refraction.
-    explicit ControlPanel(AnalysisServer *analysisServer = nullptr, QWidget *parent = nullptr);
+    explicit ControlPanel(AnalysisServer *analysisServer = nullptr, CloudPrintServer *cloudPrintServer = nullptr,
+                          QWidget *parent = nullptr);
 
     // The child at the working distance, the device level, a dim room.
     void aimWell();
@@ -31,6 +34,8 @@ private:
                        const QString &unit, void (*apply)(int));
     void addAnalysisGroup(QLayout *layout);
     void addMailGroup(QLayout *layout);
+    void addPrinterGroup(QLayout *layout);
+    void refreshPrinters();
     void refreshMail();
     void applyRefraction();
     void refreshReadouts();
@@ -50,6 +55,16 @@ private:
     QSpinBox *m_odAxis = nullptr;
     QComboBox *m_analysisFault = nullptr;
     QLabel *m_analysisRequests = nullptr;
+
+    // The Bluetooth printer's pictures and the cloud service's last ticket.
+    CloudPrintServer *m_cloudPrintServer = nullptr;
+    QString m_printerDir;
+    QDateTime m_receiptTime;
+    QLabel *m_receipt = nullptr;
+    QLabel *m_receiptPath = nullptr;
+    QComboBox *m_cloudFault = nullptr;
+    QLabel *m_cloudRequests = nullptr;
+    QLabel *m_cloudTicket = nullptr;
 
     // The maildir that scripts/simulate gives the simulator's mail server.
     QString m_mailDir;

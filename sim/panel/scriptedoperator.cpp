@@ -2,7 +2,9 @@
 // A scripted tester for headless runs: works the device window and the scene, and reports.
 #include "scriptedoperator.h"
 
+#include "btprintermanager.h"
 #include "camcfg.h"
+#include "cloudprintserver.h"
 #include "gdata.h"
 #include "simulatedworld.h"
 
@@ -69,6 +71,7 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
     };
     addScreening(QStringLiteral("Sofia Marquez"), false, QStringLiteral("2019-03-02"), true);
     addScreening(QStringLiteral("Leo Park"), true, QStringLiteral("2016-07-19"), false);
+    addPrinting();
     m_steps.push_back({QStringLiteral("opens the history page"), [] { return true; },
                        [this] {
                            click("buttonHistory");
@@ -80,10 +83,12 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
                            say(QStringLiteral("history lists: %1: ").arg(historyRows().join(QStringLiteral("; "))) +
                                screenshot(QStringLiteral("10-history")));
                            tickHistoryRow(QStringLiteral("Sofia Marquez"));
+                           m_answersBeforeExport = m_answers.size();
                            click("buttonHistoryExport");
                        },
                        1000});
-    m_steps.push_back({QStringLiteral("exports Sofia's records"), [this] { return m_answers.size() >= 3; },
+    m_steps.push_back({QStringLiteral("exports Sofia's records"),
+                       [this] { return m_answers.size() > m_answersBeforeExport; },
                        [this] {
                            say(QStringLiteral("exported Sofia Marquez's records by e-mail: ") + m_answers.last());
                            tickHistoryRow(QStringLiteral("Sofia Marquez"));
@@ -208,6 +213,80 @@ void ScriptedOperator::addScreening(const QString &name, bool male, const QStrin
     m_steps.push_back({QStringLiteral("waits for the video report to be mailed"),
                        [this, answersBefore] { return m_answers.size() >= answersBefore; },
                        [this] { say(QStringLiteral("video report: ") + m_answers.last()); }, 300, 90000});
+}
+
+void ScriptedOperator::addPrinting()
+{
+    m_steps.push_back(
+        {QStringLiteral("scans for Bluetooth printers"), [] { return true; },
+         [this] {
+             BtPrinterManager *manager = g_pData->btPrinterManager();
+             connect(manager, &BtPrinterManager::scanResultReady, this, [this](const QList<BtDevice> &devices) {
+                 QStringList seen;
+                 for (const BtDevice &device : devices) {
+                     seen << QStringLiteral("%1 (%2, %3 dBm)").arg(device.name, device.mac).arg(device.rssi);
+                     if (device.name.contains(QLatin1String("Printer")))
+                         m_printerMac = device.mac;
+                 }
+                 say(QStringLiteral("scan found: ") + seen.join(QStringLiteral("; ")));
+                 m_scanDone = true;
+             });
+             manager->startScan(3000);
+             say(QStringLiteral("started a three-second Bluetooth scan"));
+         },
+         0});
+    m_steps.push_back({QStringLiteral("binds the printer the scan found"),
+                       [this] { return m_scanDone && !m_printerMac.isEmpty(); },
+                       [this] {
+                           QMetaObject::invokeMethod(m_device, "bindBtPrinterRequest", Qt::DirectConnection,
+                                                     Q_ARG(QString, m_printerMac), Q_ARG(int, 1));
+                           say(QStringLiteral("bound %1: %2").arg(m_printerMac, m_answers.value(m_answers.size() - 1)));
+                       },
+                       // The printer keeps a job until its line has been quiet a moment.
+                       1000, 10000});
+    m_steps.push_back({QStringLiteral("prints the result on the Bluetooth printer"), [] { return true; },
+                       [this] {
+                           m_receiptsBefore = receiptPictures();
+                           click("buttonResultPrint");
+                           say(QStringLiteral("pressed Print: ") + m_answers.value(m_answers.size() - 1));
+                       },
+                       0});
+    m_steps.push_back({QStringLiteral("sees the receipt come out of the printer"),
+                       [this] { return receiptPictures().size() > m_receiptsBefore.size(); },
+                       [this] {
+                           say(QStringLiteral("receipt picture: ") + receiptPictures().constLast());
+                           say(QStringLiteral("latest receipt also at: ") + m_printerDir +
+                               QStringLiteral("/last-receipt.png"));
+                       },
+                       300, 5000});
+    m_steps.push_back({QStringLiteral("prints the result through the cloud printer"), [] { return true; },
+                       [this] {
+                           CamCfg &cfg = *g_pData->m_pCamCfg;
+                           cfg.setValue(CamCfg::PrinterKind, QStringLiteral("network"));
+                           cfg.setValue(CamCfg::PrinterDeviceId, CloudPrintServer::registeredDeviceId());
+                           cfg.dogenCurrentCFG();
+                           cfg.saveCFG2File();
+                           say(QStringLiteral("switched to the cloud printer, device ID %1")
+                                   .arg(CloudPrintServer::registeredDeviceId()));
+                           click("buttonResultPrint");
+                           say(QStringLiteral("pressed Print: ") + m_answers.value(m_answers.size() - 1));
+                           if (m_cloudPrintServer) {
+                               const CloudPrintServer::Request last = m_cloudPrintServer->lastRequest();
+                               say(QStringLiteral("cloud service answered [%1] %2").arg(last.status).arg(last.answer));
+                               say(QStringLiteral("cloud ticket: ") +
+                                   m_cloudPrintServer->lastAcceptedPieces().join(QStringLiteral(" | ")));
+                           }
+                       },
+                       300});
+}
+
+QStringList ScriptedOperator::receiptPictures() const
+{
+    QStringList pictures;
+    const QDir receipts(m_printerDir + QStringLiteral("/receipts"));
+    for (const QString &name : receipts.entryList({QStringLiteral("receipt-*.png")}, QDir::Files, QDir::Name))
+        pictures << receipts.filePath(name);
+    return pictures;
 }
 
 void ScriptedOperator::answerMessageBox()

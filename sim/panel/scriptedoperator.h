@@ -11,6 +11,7 @@
 #include <functional>
 #include <vector>
 
+class CloudPrintServer;
 class QWidget;
 
 // Each step runs when its condition holds (checked every 100 ms, for at
@@ -25,6 +26,11 @@ public:
 
     void start();
 
+    // The simulated cloud printing service, and the folder where the
+    // simulated Bluetooth printer leaves its receipts.
+    void setCloudPrintServer(CloudPrintServer *server) { m_cloudPrintServer = server; }
+    void setPrinterDir(const QString &dir) { m_printerDir = dir; }
+
 private:
     struct Step
     {
@@ -37,6 +43,10 @@ private:
 
     // One child screened from the details page to the saved result.
     void addScreening(const QString &name, bool male, const QString &birthday, bool first);
+    // Scans, binds the simulated printer, prints the result, then prints it
+    // again through the cloud printer.
+    void addPrinting();
+    QStringList receiptPictures() const;
     void answerMessageBox();
     QStringList historyRows() const;
     void tickHistoryRow(const QString &name) const;
@@ -58,4 +68,10 @@ private:
     QWidget *m_answered = nullptr;
     QStringList m_answers;
     bool m_acting = false;
+    int m_answersBeforeExport = 0;
+    CloudPrintServer *m_cloudPrintServer = nullptr;
+    QString m_printerDir;
+    bool m_scanDone = false;
+    QString m_printerMac;
+    QStringList m_receiptsBefore;
 };

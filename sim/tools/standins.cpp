@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Stand-ins for the device's system programs, one binary called under each program's name.
 //
-// The simulator puts links named wpa_cli, udhcpc, rmmod, poweroff and reboot
-// first on PATH. Their state lives under $ORVELLA_SIM_DIR, never on the host:
-// poweroff and reboot end the simulated device (the pid in device.pid), and
-// every call is appended to commands.log so that tests can see what ran.
+// The simulator puts links named wpa_cli, udhcpc, rmmod, poweroff, reboot,
+// bluetoothctl and rfcomm first on PATH. Their state lives under
+// $ORVELLA_SIM_DIR, never on the host: poweroff and reboot end the simulated
+// device (the pid in device.pid), rfcomm binds the printer's port at the
+// path of the deployment file's devices/printer_serial (else sys/rfcomm0),
+// and every call is appended to commands.log so that tests can see what ran.
+#include "bluetoothworld.h"
 #include "wifiworld.h"
 
 #include <QCoreApplication>
@@ -12,6 +15,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSettings>
 
 #include <csignal>
 #include <cstdio>
@@ -114,6 +118,18 @@ int udhcpc(const QStringList &args)
     return 0;
 }
 
+QString printerDevicePath()
+{
+    const QString deployment = qEnvironmentVariable("ORVELLA_PLATFORM_FILE");
+    if (!deployment.isEmpty()) {
+        const QString path =
+            QSettings(deployment, QSettings::IniFormat).value(QStringLiteral("devices/printer_serial")).toString();
+        if (!path.isEmpty())
+            return path;
+    }
+    return s_stateDir + QStringLiteral("/sys/rfcomm0");
+}
+
 int endDevice(const QString &how)
 {
     appendLine(QStringLiteral("events.log"),
@@ -153,6 +169,11 @@ int main(int argc, char *argv[])
         return udhcpc(args);
     if (name == QLatin1String("poweroff") || name == QLatin1String("reboot"))
         return endDevice(name);
+    if (name == QLatin1String("bluetoothctl"))
+        return sim::runBluetoothctl(s_stateDir + QStringLiteral("/bluetooth"), STDIN_FILENO);
+    if (name == QLatin1String("rfcomm"))
+        return sim::runRfcomm(s_stateDir, args, printerDevicePath(),
+                              QCoreApplication::applicationDirPath() + QStringLiteral("/orvella-receiptprinter"));
     if (name == QLatin1String("rmmod")) {
         appendLine(QStringLiteral("events.log"), (QStringList(name) + args).join(' '));
         return 0;
