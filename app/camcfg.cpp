@@ -29,7 +29,7 @@ QString CamCfg::defaultValue(int position)
     case Language: return QStringLiteral("English");
     case PrinterKind: return QStringLiteral("bt");
     case BluetoothPrinter: return QString();
-    case Unused16: return QString();
+    case CloudPrinterId: return QString();
     case AutoCapture: return QStringLiteral("0");
     case PitchOffset: return QStringLiteral("0");
     case DistanceOffset: return QStringLiteral("0");

@@ -28,7 +28,7 @@ public:
         Language = 13,
         PrinterKind = 14,
         BluetoothPrinter = 15,
-        Unused16 = 16,
+        CloudPrinterId = 16,
         AutoCapture = 17,
         PitchOffset = 18,
         DistanceOffset = 19,
