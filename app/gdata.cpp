@@ -195,7 +195,9 @@ void GData::FlashOff()
 
 int GData::getDOF()
 {
-    return m_devices.power->pitchDegrees();
+    // The inertial sensor sits at a slightly different angle in every housing;
+    // the calibration offset brings its reading to the lens's tilt.
+    return m_devices.power->pitchDegrees() + m_nPitchOffset;
 }
 
 bool GData::sysfileWrite(const QString &path, const QByteArray &text)

@@ -79,6 +79,9 @@ public:
     void V4l2DeviceClose();
     int V4l2DevicePullFrame();
     int V4l2DevicePushFrame();
+    // Gives an open camera the exposure and gain in force; the parameter page
+    // changes them while the camera stays open from start-up on.
+    void applyCameraControls();
     int AVIFileOpen();
     void AVIFileWrite();
     int AVIFileClose();
@@ -148,6 +151,9 @@ public:
     bool uploadAVIFile();
     void betterData();
     QString toOpticFloat(const QString &text) const;
+    // The configured region's name ("us", "india", "china", "philippines");
+    // the same table picks the analysis server.
+    QString getRegionString() const;
     // The server analyses the video before it answers; tests shorten the wait.
     int m_nUploadTimeoutSeconds = 92;
 

@@ -5,6 +5,7 @@
 #include "analysisreply.h"
 #include "common.h"
 #include "platform.h"
+#include "region.h"
 
 #include <QDebug>
 #include <QMap>
@@ -12,22 +13,6 @@
 #include <cjson/cJSON.h>
 
 namespace {
-
-QString analysisUrl(int region, const Platform &platform, const QString &mac)
-{
-    QString host;
-    QString path = QStringLiteral("/production/");
-    switch (region) {
-    case 2:
-        host = platform.analysisHostChina;
-        path = QStringLiteral("/upload_pupil_images/");
-        break;
-    case 1: host = platform.analysisHostIndia; break;
-    case 3: host = platform.analysisHostPhilippines; break;
-    default: host = platform.analysisHostUs; break;
-    }
-    return QStringLiteral("http://") + host + QLatin1Char(':') + QString::number(platform.analysisPort) + path + mac;
-}
 
 const cJSON *jsonItem(const cJSON *object, const char *name, const QString &reply)
 {
@@ -48,7 +33,7 @@ bool GData::uploadAVIFile()
 
     // The patient's details stay on the device: the server gets zeros.
     const QMap<QString, QString> fields{{QStringLiteral("student_info"), QStringLiteral("0__0__0__0")}};
-    const QString url = analysisUrl(m_nRegion, platform, m_pCommon->GetETNetMACAddress());
+    const QString url = region::analysisUrl(m_nRegion, platform, m_pCommon->GetETNetMACAddress());
     const QString reply = m_pCommon->httpPostRequestWithFile(url, m_nUploadTimeoutSeconds, fields,
                                                              QStringLiteral("pupil_video"), platform.recordingFile);
     // A long upload can outlast the link it started on.
@@ -127,4 +112,9 @@ bool GData::getJsonIntValue(const cJSON *object, const char *name, const QString
     // cJSON has already clamped the number to the range of an int.
     value = item->valueint;
     return true;
+}
+
+QString GData::getRegionString() const
+{
+    return QString::fromLatin1(region::forIndex(m_nRegion).name);
 }

@@ -43,6 +43,14 @@ int GData::V4l2DeviceOpen()
     return 1;
 }
 
+void GData::applyCameraControls()
+{
+    if (!m_pV4l2Device)
+        return;
+    m_pV4l2Device->set_exposure(m_nExposure);
+    m_pV4l2Device->set_gain(m_nGain);
+}
+
 void GData::V4l2DeviceClose()
 {
     if (m_pCedarx)

@@ -275,11 +275,20 @@ private slots:
         QTest::addColumn<int>("region");
         QTest::addColumn<int>("server");
         QTest::addColumn<QString>("path");
-        QTest::newRow("0 US") << 0 << 0 << "/production/";
-        QTest::newRow("1 India") << 1 << 1 << "/production/";
-        QTest::newRow("2 China") << 2 << 2 << "/upload_pupil_images/";
-        QTest::newRow("3 Philippines") << 3 << 3 << "/production/";
-        QTest::newRow("7 US") << 7 << 0 << "/production/";
+        // The name the update server files the region under comes from the same table.
+        QTest::addColumn<QString>("name");
+        QTest::newRow("0 US") << 0 << 0 << "/production/"
+                              << "us";
+        QTest::newRow("1 India") << 1 << 1 << "/production/"
+                                 << "india";
+        QTest::newRow("2 China") << 2 << 2 << "/upload_pupil_images/"
+                                 << "china";
+        QTest::newRow("3 Philippines") << 3 << 3 << "/production/"
+                                       << "philippines";
+        QTest::newRow("7 US") << 7 << 0 << "/production/"
+                              << "us";
+        QTest::newRow("-1 US") << -1 << 0 << "/production/"
+                               << "us";
     }
 
     void uploadGoesToTheRegionsServer()
@@ -287,11 +296,13 @@ private slots:
         QFETCH(int, region);
         QFETCH(int, server);
         QFETCH(QString, path);
+        QFETCH(QString, name);
         REQUIRE_SERVERS();
         int before[4];
         for (int i = 0; i < 4; ++i)
             before[i] = m_servers[i].requestCount();
         m_data->m_nRegion = region;
+        QCOMPARE(m_data->getRegionString(), name);
         QVERIFY(m_data->uploadAVIFile());
         for (int i = 0; i < 4; ++i)
             QCOMPARE(m_servers[i].requestCount(), before[i] + (i == server ? 1 : 0));

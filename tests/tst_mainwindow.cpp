@@ -1,15 +1,23 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The main window: page navigation, idle screen-off and power-off, wake-up, battery label, patient details.
+#include "application.h"
 #include "batterylevel.h"
+#include "camcfg.h"
+#include "common.h"
 #include "simulatedworld.h"
 #include "uitestsupport.h"
+#include "vl53l1x_platform.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
+#include <QPushButton>
 #include <QStackedWidget>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <optional>
@@ -27,10 +35,35 @@ private:
         QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
         QApplication::sendEvent(m_window.get(), &press);
     }
-    bool poweredOff() const
+    bool poweredOff() const { return lastEventIs(" poweroff"); }
+    bool rebooted() const { return lastEventIs(" reboot"); }
+    bool lastEventIs(const char *end) const
     {
         const QStringList events = m_device->events();
-        return !events.isEmpty() && events.last().endsWith(QLatin1String(" poweroff"));
+        return !events.isEmpty() && events.last().endsWith(QLatin1String(end));
+    }
+
+    void openSetup()
+    {
+        openOnMenuPages();
+        click("buttonSetup");
+    }
+
+    // Opens the parameter row's keypad, types `typed` and closes it; returns the message boxes shown.
+    QStringList typeParam(const char *row, const QString &typed)
+    {
+        QStringList messages;
+        ModalResponder responder([&](QWidget *dialog) {
+            if (QLatin1String(dialog->metaObject()->className()) == QLatin1String("NumKeypadDlg")) {
+                widget<QPushButton>(row)->setText(typed);
+                dialog->close();
+            } else {
+                messages << messageText(dialog);
+                pressButton(dialog, "buttonMiddle1");
+            }
+        });
+        click(row);
+        return messages;
     }
 
     void openOnMenuPages()
@@ -196,6 +229,152 @@ private slots:
         QVERIFY(!SimulatedWorld::instance().irLight);
     }
 
+    // --- settings pages ---
+
+    void aLanguageSwitchRetranslatesThePagesAlreadyBuilt()
+    {
+        openSetup();
+        click("buttonLanguageSetting");
+        click("buttonSpanish");
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LanguageChange);
+        QCOMPARE(m_data->m_pCamCfg->value(CamCfg::Language), QStringLiteral("Spanish"));
+        QCOMPARE(widget<QLabel>("labelSetupTitle")->text(), QStringLiteral("Ajustes"));
+        // A prompt the page set itself follows too, so it still reads as a prompt.
+        QCOMPARE(widget<QLineEdit>("editName")->text(), QStringLiteral("Escriba el nombre"));
+        click("buttonEnglish");
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LanguageChange);
+        QCOMPARE(widget<QLabel>("labelSetupTitle")->text(), QStringLiteral("Settings"));
+        QCOMPARE(widget<QLineEdit>("editName")->text(), QStringLiteral("Please enter your name"));
+    }
+
+    void choicesAreSavedAtOnce_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("choice");
+        QTest::addColumn<int>("position");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("region") << "buttonCountrySetting"
+                                << "buttonRegionPhilippines" << int(CamCfg::Region) << "3";
+        QTest::newRow("cloud printer") << "buttonPrinterSetting"
+                                       << "buttonPrinterNetwork" << int(CamCfg::PrinterKind) << "network";
+    }
+
+    void choicesAreSavedAtOnce()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, choice);
+        QFETCH(int, position);
+        QFETCH(QString, value);
+        openSetup();
+        click(page.toLatin1().constData());
+        click(choice.toLatin1().constData());
+        QVERIFY(widget<QPushButton>(choice.toLatin1().constData())->isChecked());
+        startDevice();
+        QCOMPARE(m_data->m_pCamCfg->value(position), value);
+    }
+
+    void factoryResetKeepsTheHistoryAndRebootsOnlyAfterYes()
+    {
+        m_device->writeFile(QStringLiteral("app/CAMCFG/result.txt"), "Amy,Female,2019-03-02|2024-05-17 10:42\n");
+        openSetup();
+        {
+            ModalResponder no([](QWidget *box) { pressButton(box, "buttonRight1"); });
+            click("buttonFactoryReset");
+        }
+        QVERIFY(QFile::exists(m_device->configFile()));
+        QVERIFY(!rebooted());
+
+        QStringList shown;
+        ModalResponder yes([&](QWidget *box) {
+            shown << messageText(box);
+            if (shown.size() == 1) {
+                pressButton(box, "buttonLeft1");
+                return;
+            }
+            // The operator is told before the device goes.
+            QVERIFY(!QFile::exists(m_device->configFile()));
+            QVERIFY(!rebooted());
+            pressButton(box, "buttonMiddle1");
+        });
+        click("buttonFactoryReset");
+        QCOMPARE(shown.size(), 2);
+        QVERIFY(rebooted());
+        QVERIFY(QFile::exists(m_device->appDir() + QStringLiteral("/CAMCFG/result.txt")));
+    }
+
+    void machineIdCodeScansBackToTheDetails()
+    {
+        openSetup();
+        click("buttonCountrySetting");
+        click("buttonRegionIndia");
+        click("buttonCountryReturn");
+        click("buttonMachineIDSetting");
+        QCOMPARE(widget<QLabel>("labelMachineRegionValue")->text(), QStringLiteral("India"));
+        QTemporaryDir dir;
+        const QString png = dir.filePath(QStringLiteral("code.png"));
+        QVERIFY(widget<QLabel>("labelMachineQr")->pixmap(Qt::ReturnByValue).save(png));
+        QProcess zbar;
+        zbar.start(QStringLiteral("zbarimg"), {QStringLiteral("--quiet"), QStringLiteral("--raw"), png});
+        QVERIFY(zbar.waitForFinished(20000));
+        const QString mac = m_data->m_pCommon->GetETNetMACAddress();
+        QVERIFY(!mac.isEmpty());
+        QCOMPARE(QString::fromUtf8(zbar.readAllStandardOutput()).trimmed(),
+                 QStringLiteral("MAC: %1\nVersion: 0.0.1\nRegion: india").arg(mac));
+    }
+
+    void aParameterOutOfRangeIsRefusedAndNothingSaved_data()
+    {
+        QTest::addColumn<QString>("row");
+        QTest::addColumn<QString>("typed");
+        QTest::newRow("exposure beyond a frame") << "buttonParamExposure"
+                                                 << "1126";
+        QTest::newRow("no gain") << "buttonParamGain"
+                                 << "0";
+        QTest::newRow("LED loops beyond the recording") << "buttonParamLedLoop"
+                                                        << "6";
+        QTest::newRow("pitch offset") << "buttonParamPitchOffset"
+                                      << "-16";
+        QTest::newRow("distance offset") << "buttonParamDistanceOffset"
+                                         << "201";
+        QTest::newRow("not a whole number") << "buttonParamDistanceOffset"
+                                            << "1.5";
+    }
+
+    void aParameterOutOfRangeIsRefusedAndNothingSaved()
+    {
+        QFETCH(QString, row);
+        QFETCH(QString, typed);
+        const QByteArray button = row.toLatin1();
+        openSetup();
+        click("buttonParamSetting");
+        const QString shown = widget<QPushButton>(button.constData())->text();
+        const QByteArray before = TestDevice::readFile(m_device->configFile());
+        const QStringList messages = typeParam(button.constData(), typed);
+        QCOMPARE(messages.size(), 1);
+        QVERIFY2(messages.first().startsWith(QLatin1String("Value Out of Range/")), qPrintable(messages.first()));
+        QCOMPARE(widget<QPushButton>(button.constData())->text(), shown);
+        QCOMPARE(TestDevice::readFile(m_device->configFile()), before);
+        QVERIFY(!QFile::exists(m_device->calibrationFile()));
+    }
+
+    void aSavedOffsetReachesTheCalibrationFileAndTheReadings()
+    {
+        SimulatedWorld::instance().childDistanceMm = 1085;
+        SimulatedWorld::instance().pitchDegrees = 0;
+        openSetup();
+        click("buttonParamSetting");
+        QVERIFY(typeParam("buttonParamDistanceOffset", QStringLiteral("30")).isEmpty());
+        QVERIFY(typeParam("buttonParamPitchOffset", QStringLiteral("-3")).isEmpty());
+        QCOMPARE(TestDevice::readFile(m_device->calibrationFile()), QByteArray("30,-3\n"));
+        // (1085 - 125 + 30 + 5) / 10 instead of 96 without the offset.
+        QCOMPARE(m_data->getDistance(), 99);
+        QCOMPARE(m_data->getDOF(), -3);
+        VL53L1X_UltraLite_Linux_I2C_Deinit();
+        startDevice();
+        QCOMPARE(m_data->m_nDistanceOffset, 30);
+        QCOMPARE(m_data->m_pCamCfg->value(CamCfg::PitchOffset), QStringLiteral("-3"));
+    }
+
     // --- start page ---
 
     void startPageWaitsForWifiThenGivesUp()
@@ -231,7 +410,8 @@ private slots:
         QTest::addColumn<QString>("row");
         QTest::addColumn<QString>("page");
         QTest::addColumn<QString>("back");
-        for (const char *name : {"Wifi", "TimeZone", "SleepTime", "Country", "Referral", "Param", "MachineID"}) {
+        for (const char *name :
+             {"Wifi", "TimeZone", "SleepTime", "Country", "Referral", "Param", "MachineID", "Language", "Printer"}) {
             const QString page = QString::fromLatin1(name);
             QTest::newRow(name) << "button" + page + "Setting"
                                 << "page" + (page == "Wifi" ? "WIFI" : page) << "button" + page + "Return";
@@ -446,5 +626,13 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestMainWindow)
+// The language page switches the translation through the program's own
+// application object, so the tests run under one too.
+int main(int argc, char *argv[])
+{
+    Application app(argc, argv);
+    app.setAttribute(Qt::AA_Use96Dpi, true);
+    TestMainWindow test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_mainwindow.moc"

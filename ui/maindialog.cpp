@@ -16,10 +16,12 @@
 #include "ui_pageemail.h"
 #include "ui_pagehistory.h"
 #include "ui_pageinfoinput.h"
+#include "ui_pagelanguage.h"
 #include "ui_pagemachineid.h"
 #include "ui_pagenomenu.h"
 #include "ui_pagenowifi.h"
 #include "ui_pageparam.h"
+#include "ui_pageprinter.h"
 #include "ui_pagereferral.h"
 #include "ui_pageresult.h"
 #include "ui_pagesetup.h"
@@ -66,6 +68,8 @@ MainDialog::MainDialog(QWidget *parent, Workers workers)
     , uiCountry(std::make_unique<Ui::PageCountry>())
     , uiWifi(std::make_unique<Ui::PageWifi>())
     , uiEmail(std::make_unique<Ui::PageEmail>())
+    , uiLanguage(std::make_unique<Ui::PageLanguage>())
+    , uiPrinter(std::make_unique<Ui::PagePrinter>())
     , m_timer(this)
     , m_internetTimeTimer(this)
 {
@@ -77,6 +81,7 @@ MainDialog::MainDialog(QWidget *parent, Workers workers)
     pageMainInfoInputInit();
     tableViewWIFIInit();
     timeSettingsInit();
+    paramButtonsInit();
     ui->stackedWidgetBase->setCurrentIndex(BasePageStart);
 
     // Touches anywhere count as activity and wake a dark screen.
@@ -125,7 +130,55 @@ void MainDialog::setupPages()
     uiCountry->setupUi(uiNoMenu->pageCountry);
     uiWifi->setupUi(uiNoMenu->pageWIFI);
     uiEmail->setupUi(uiNoMenu->pageEmail);
+    uiLanguage->setupUi(uiNoMenu->pageLanguage);
+    uiPrinter->setupUi(uiNoMenu->pagePrinter);
     QMetaObject::connectSlotsByName(this);
+}
+
+void MainDialog::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslatePages();
+    QDialog::changeEvent(event);
+}
+
+void MainDialog::retranslatePages()
+{
+    ui->retranslateUi(ui->stackedWidgetBase->parentWidget());
+    uiBoot->retranslateUi(ui->pageBoot);
+    uiNoWifi->retranslateUi(ui->pageNoWifi);
+    uiCamera->retranslateUi(ui->pageCamera);
+    uiMenu->retranslateUi(ui->pageWithMenu);
+    uiInfo->retranslateUi(uiMenu->pageInfoInput);
+    uiResult->retranslateUi(uiMenu->pageResult);
+    uiNoMenu->retranslateUi(ui->pageNoMenu);
+    uiSetup->retranslateUi(uiNoMenu->pageSetup);
+    uiHistory->retranslateUi(uiNoMenu->pageHistory);
+    uiParam->retranslateUi(uiNoMenu->pageParam);
+    uiReferral->retranslateUi(uiNoMenu->pageReferral);
+    uiUserDetail->retranslateUi(uiNoMenu->pageUserDetail);
+    uiTimeZone->retranslateUi(uiNoMenu->pageTimeZone);
+    uiSleepTime->retranslateUi(uiNoMenu->pageSleepTime);
+    uiMachineID->retranslateUi(uiNoMenu->pageMachineID);
+    uiCountry->retranslateUi(uiNoMenu->pageCountry);
+    uiWifi->retranslateUi(uiNoMenu->pageWIFI);
+    uiEmail->retranslateUi(uiNoMenu->pageEmail);
+    uiLanguage->retranslateUi(uiNoMenu->pageLanguage);
+    uiPrinter->retranslateUi(uiNoMenu->pagePrinter);
+
+    // What the pages wrote over the forms' texts. The history lists and the
+    // test-record page build their texts anew each time they open.
+    uiBoot->labelBootVersion->setText(QStringLiteral("v") + g_pData->m_pCommon->version());
+    uiCamera->buttonFocusAuto->setText(g_pData->m_bAutoCapture ? tr("AUTO ON") : tr("AUTO OFF"));
+    retranslateDetailPrompts();
+    pageTimeZoneInit();
+    labelTimeoutSettingShow();
+    showEmailSettings();
+    pageLanguageInit();
+    pageCountryInit();
+    pagePrinterInit();
+    pageParamInit();
+    pageMachineIDInit();
 }
 
 void MainDialog::showMenuPages()

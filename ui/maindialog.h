@@ -37,13 +37,15 @@ class PageMachineID;
 class PageCountry;
 class PageWifi;
 class PageEmail;
+class PageLanguage;
+class PagePrinter;
 } // namespace Ui
 
 // The implementation is split by page group: maindialog.cpp (construction,
 // navigation, the periodic timer), maindialog_idle.cpp (screen-off, power-off,
 // wake-up), maindialog_status.cpp (start page, clock, battery and Wi-Fi
 // labels), maindialog_details.cpp (patient details), maindialog_settings.cpp
-// (settings pages).
+// (the settings page and factory reset), and one file per settings page.
 class MainDialog : public QDialog
 {
     Q_OBJECT
@@ -73,6 +75,8 @@ public slots:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    // A new language retranslates every page in place (see retranslatePages).
+    void changeEvent(QEvent *event) override;
 
 private slots:
     void on_timer();
@@ -111,6 +115,7 @@ private slots:
     void on_buttonParamSetting_clicked();
     void on_buttonMachineIDSetting_clicked();
     void on_buttonUpdate_clicked();
+    void on_buttonFactoryReset_clicked();
     void on_buttonMatta_clicked();
     void on_buttonArthur2_clicked();
     void on_buttonArnold_clicked();
@@ -139,6 +144,25 @@ private slots:
     void on_buttonEmailReporting_clicked();
     void on_buttonEmailTest_clicked();
 
+    // Language page (maindialog_language.cpp).
+    void on_buttonLanguageSetting_clicked();
+    void on_buttonLanguageReturn_clicked();
+    void on_buttonEnglish_clicked();
+    void on_buttonChinese_clicked();
+    void on_buttonSpanish_clicked();
+
+    // Region page (maindialog_country.cpp).
+    void on_buttonRegionUs_clicked();
+    void on_buttonRegionIndia_clicked();
+    void on_buttonRegionChina_clicked();
+    void on_buttonRegionPhilippines_clicked();
+
+    // Printer page (maindialog_printer.cpp).
+    void on_buttonPrinterSetting_clicked();
+    void on_buttonPrinterReturn_clicked();
+    void on_buttonPrinterBt_clicked();
+    void on_buttonPrinterNetwork_clicked();
+
     // Back buttons.
     void on_buttonSetupReturn_clicked();
     void on_buttonHistoryReturn_clicked();
@@ -153,6 +177,26 @@ private slots:
 
 private:
     void setupPages();
+    // Texts of the forms again in the language now installed, then every
+    // text the pages set themselves.
+    void retranslatePages();
+    // A settings change is written to the file at once.
+    static void storeSetting(int position, const QString &text);
+
+    // Settings pages, each filled from the settings in force when opened.
+    // paramButtonsInit runs once from the constructor.
+    void paramButtonsInit();
+    void pageLanguageInit();
+    void chooseLanguage(const QString &language);
+    void pageCountryInit();
+    void chooseRegion(int index);
+    // The configured region as the region page names it.
+    QString regionLabel() const;
+    void pagePrinterInit();
+    void editCloudPrinterIdPressed();
+    void pageParamInit();
+    void editParam(int row);
+    void pageMachineIDInit();
     void showMenuPages();
     void showWithMenuPage(QWidget *page);
     void showNoMenuPage(QWidget *page);
@@ -222,6 +266,8 @@ private:
     void editNamePressed();
     void editDatePressed();
     void showDateParts();
+    // The prompts of the details page's empty fields, in the language in force.
+    void retranslateDetailPrompts();
 
     // One message box with the given texts; returns the button pressed.
     static int showMessage(const QString &title, const QString &message, const QString &left, const QString &middle,
@@ -246,6 +292,8 @@ private:
     std::unique_ptr<Ui::PageCountry> uiCountry;
     std::unique_ptr<Ui::PageWifi> uiWifi;
     std::unique_ptr<Ui::PageEmail> uiEmail;
+    std::unique_ptr<Ui::PageLanguage> uiLanguage;
+    std::unique_ptr<Ui::PagePrinter> uiPrinter;
 
     QTimer m_timer;
 

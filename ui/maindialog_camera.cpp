@@ -156,6 +156,8 @@ void MainDialog::pageCameraInit()
 
     uiCamera->buttonFocusAuto->setText(g_pData->m_bAutoCapture ? tr("AUTO ON") : tr("AUTO OFF"));
     m_nStableAim = 0;
+    // While the capture thread idles: the parameter page may have changed them.
+    g_pData->applyCameraControls();
     g_pData->m_nCameraMode = 1;
     g_pData->m_bPreviewEnabled = 1;
 }

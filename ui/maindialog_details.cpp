@@ -94,3 +94,19 @@ void MainDialog::showDateParts()
     for (QLineEdit *edit : {uiInfo->editYear, uiInfo->editMonth, uiInfo->editDay})
         edit->setStyleSheet(QString::fromLatin1(kTypedStyle));
 }
+
+void MainDialog::retranslateDetailPrompts()
+{
+    // A field in the prompt's style shows its prompt; anything else was typed
+    // and stays. The name field's press handler recognises its prompt by the
+    // text, so the prompt must be the one of the language in force.
+    const auto prompt = [](QLineEdit *edit, const QString &text) {
+        if (edit->styleSheet() == QLatin1String(kPromptStyle))
+            edit->setText(text);
+    };
+    prompt(uiInfo->editName, tr("Please enter your name"));
+    prompt(uiInfo->editDate, tr("Year-Month-Date"));
+    prompt(uiInfo->editYear, tr("Year"));
+    prompt(uiInfo->editMonth, tr("Month"));
+    prompt(uiInfo->editDay, tr("Day"));
+}

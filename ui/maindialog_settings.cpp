@@ -1,13 +1,22 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// MainDialog: the settings page, its sub-pages and the firmware update button.
+// MainDialog: the settings page, its sub-pages, the firmware update and the factory reset.
 #include "maindialog.h"
 
+#include "camcfg.h"
 #include "cmdutil.h"
 #include "gdata.h"
 #include "ui_maindialog.h"
 #include "ui_pagenomenu.h"
 #include "ui_pagereferral.h"
 #include "uploaddlg.h"
+
+void MainDialog::storeSetting(int position, const QString &text)
+{
+    CamCfg &cfg = *g_pData->m_pCamCfg;
+    cfg.setValue(position, text);
+    cfg.dogenCurrentCFG();
+    cfg.saveCFG2File();
+}
 
 void MainDialog::on_buttonWifiSetting_clicked()
 {
@@ -28,6 +37,7 @@ void MainDialog::on_buttonSleepTimeSetting_clicked()
 
 void MainDialog::on_buttonCountrySetting_clicked()
 {
+    pageCountryInit();
     showNoMenuPage(uiNoMenu->pageCountry);
 }
 
@@ -39,11 +49,13 @@ void MainDialog::on_buttonReferralSetting_clicked()
 
 void MainDialog::on_buttonParamSetting_clicked()
 {
+    pageParamInit();
     showNoMenuPage(uiNoMenu->pageParam);
 }
 
 void MainDialog::on_buttonMachineIDSetting_clicked()
 {
+    pageMachineIDInit();
     showNoMenuPage(uiNoMenu->pageMachineID);
 }
 
@@ -73,6 +85,20 @@ void MainDialog::on_buttonUpdate_clicked()
     // The new program is in place for the next boot; reboot only once the
     // operator has seen that it worked.
     showMessage(tr("System Update Success!"), QString(), QString(), tr("OK"), QString());
+    g_pData->m_pCmdUtil->reboot();
+}
+
+void MainDialog::on_buttonFactoryReset_clicked()
+{
+    if (showMessage(tr("Factory Reset"),
+                    tr("All settings return to their factory values and the device restarts. "
+                       "The test history is kept."),
+                    tr("Yes"), QString(), tr("No")) != 0)
+        return;
+    // Only the settings file goes; the defaults take effect as the device
+    // starts again. The history and the sensors' factory calibration stay.
+    g_pData->cfgFileDelete();
+    showMessage(tr("The device restarts now."), QString(), QString(), tr("OK"), QString());
     g_pData->m_pCmdUtil->reboot();
 }
 

@@ -501,6 +501,46 @@
         <translation>No report was sent: set the e-mail address on the E-mail Reports page.</translation>
     </message>
     <message>
+        <source>Unknown</source>
+        <translation>Unknown</translation>
+    </message>
+    <message>
+        <source>%1: %2 to %3</source>
+        <translation>%1: %2 to %3</translation>
+    </message>
+    <message>
+        <source>Value Out of Range</source>
+        <translation>Value Out of Range</translation>
+    </message>
+    <message>
+        <source>%1 must be a whole number from %2 to %3.</source>
+        <translation>%1 must be a whole number from %2 to %3.</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>None</translation>
+    </message>
+    <message>
+        <source>Invalid Device ID</source>
+        <translation>Invalid Device ID</translation>
+    </message>
+    <message>
+        <source>A device ID cannot contain &quot;|&quot;.</source>
+        <translation>A device ID cannot contain &quot;|&quot;.</translation>
+    </message>
+    <message>
+        <source>Factory Reset</source>
+        <translation>Factory Reset</translation>
+    </message>
+    <message>
+        <source>All settings return to their factory values and the device restarts. The test history is kept.</source>
+        <translation>All settings return to their factory values and the device restarts. The test history is kept.</translation>
+    </message>
+    <message>
+        <source>The device restarts now.</source>
+        <translation>The device restarts now.</translation>
+    </message>
+    <message>
         <source>Printed</source>
         <translation>Printed</translation>
     </message>
@@ -563,6 +603,26 @@
     <message>
         <source>Region</source>
         <translation>Region</translation>
+    </message>
+    <message>
+        <source>United States</source>
+        <translation>United States</translation>
+    </message>
+    <message>
+        <source>India</source>
+        <translation>India</translation>
+    </message>
+    <message>
+        <source>China</source>
+        <translation>China</translation>
+    </message>
+    <message>
+        <source>Philippines</source>
+        <translation>Philippines</translation>
+    </message>
+    <message>
+        <source>Test videos are analysed by the server of this region, and system updates come from it.</source>
+        <translation>Test videos are analysed by the server of this region, and system updates come from it.</translation>
     </message>
 </context>
 <context>
@@ -651,10 +711,33 @@
     </message>
 </context>
 <context>
+    <name>PageLanguage</name>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
+</context>
+<context>
     <name>PageMachineID</name>
     <message>
         <source>Machine ID</source>
         <translation>Machine ID</translation>
+    </message>
+    <message>
+        <source>MAC address</source>
+        <translation>MAC address</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Region</source>
+        <translation>Region</translation>
+    </message>
+    <message>
+        <source>Scan to read these details</source>
+        <translation>Scan to read these details</translation>
     </message>
 </context>
 <context>
@@ -677,6 +760,61 @@
     <message>
         <source>Parameters</source>
         <translation>Parameters</translation>
+    </message>
+    <message>
+        <source>Exposure</source>
+        <translation>Exposure</translation>
+    </message>
+    <message>
+        <source>Gain</source>
+        <translation>Gain</translation>
+    </message>
+    <message>
+        <source>Setting 3</source>
+        <translation>Setting 3</translation>
+    </message>
+    <message>
+        <source>LED loop count</source>
+        <translation>LED loop count</translation>
+    </message>
+    <message>
+        <source>Setting 5</source>
+        <translation>Setting 5</translation>
+    </message>
+    <message>
+        <source>Pitch offset (°)</source>
+        <translation>Pitch offset (°)</translation>
+    </message>
+    <message>
+        <source>Distance offset (mm)</source>
+        <translation>Distance offset (mm)</translation>
+    </message>
+</context>
+<context>
+    <name>PagePrinter</name>
+    <message>
+        <source>Printer</source>
+        <translation>Printer</translation>
+    </message>
+    <message>
+        <source>Printer type</source>
+        <translation>Printer type</translation>
+    </message>
+    <message>
+        <source>Bluetooth</source>
+        <translation>Bluetooth</translation>
+    </message>
+    <message>
+        <source>Cloud</source>
+        <translation>Cloud</translation>
+    </message>
+    <message>
+        <source>Bluetooth printer</source>
+        <translation>Bluetooth printer</translation>
+    </message>
+    <message>
+        <source>Cloud printer ID</source>
+        <translation>Cloud printer ID</translation>
     </message>
 </context>
 <context>
@@ -834,6 +972,18 @@
     <message>
         <source>E-mail Reports</source>
         <translation>E-mail Reports</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
+    <message>
+        <source>Printer</source>
+        <translation>Printer</translation>
+    </message>
+    <message>
+        <source>Factory Reset</source>
+        <translation>Factory Reset</translation>
     </message>
 </context>
 <context>

@@ -501,6 +501,46 @@
         <translation>No se envió ningún informe: configure la dirección de correo en la página de informes por correo.</translation>
     </message>
     <message>
+        <source>Unknown</source>
+        <translation>Desconocida</translation>
+    </message>
+    <message>
+        <source>%1: %2 to %3</source>
+        <translation>%1: de %2 a %3</translation>
+    </message>
+    <message>
+        <source>Value Out of Range</source>
+        <translation>Valor fuera de rango</translation>
+    </message>
+    <message>
+        <source>%1 must be a whole number from %2 to %3.</source>
+        <translation>%1 debe ser un número entero entre %2 y %3.</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Ninguna</translation>
+    </message>
+    <message>
+        <source>Invalid Device ID</source>
+        <translation>ID de dispositivo no válido</translation>
+    </message>
+    <message>
+        <source>A device ID cannot contain &quot;|&quot;.</source>
+        <translation>Un ID de dispositivo no puede contener «|».</translation>
+    </message>
+    <message>
+        <source>Factory Reset</source>
+        <translation>Restablecer valores de fábrica</translation>
+    </message>
+    <message>
+        <source>All settings return to their factory values and the device restarts. The test history is kept.</source>
+        <translation>Todos los ajustes vuelven a sus valores de fábrica y el equipo se reinicia. El historial de pruebas se conserva.</translation>
+    </message>
+    <message>
+        <source>The device restarts now.</source>
+        <translation>El equipo se reinicia ahora.</translation>
+    </message>
+    <message>
         <source>Printed</source>
         <translation>Impreso</translation>
     </message>
@@ -563,6 +603,26 @@
     <message>
         <source>Region</source>
         <translation>Región</translation>
+    </message>
+    <message>
+        <source>United States</source>
+        <translation>Estados Unidos</translation>
+    </message>
+    <message>
+        <source>India</source>
+        <translation>India</translation>
+    </message>
+    <message>
+        <source>China</source>
+        <translation>China</translation>
+    </message>
+    <message>
+        <source>Philippines</source>
+        <translation>Filipinas</translation>
+    </message>
+    <message>
+        <source>Test videos are analysed by the server of this region, and system updates come from it.</source>
+        <translation>Los vídeos de las pruebas los analiza el servidor de esta región, y de él llegan las actualizaciones del sistema.</translation>
     </message>
 </context>
 <context>
@@ -651,10 +711,33 @@
     </message>
 </context>
 <context>
+    <name>PageLanguage</name>
+    <message>
+        <source>Language</source>
+        <translation>Idioma</translation>
+    </message>
+</context>
+<context>
     <name>PageMachineID</name>
     <message>
         <source>Machine ID</source>
         <translation>ID del equipo</translation>
+    </message>
+    <message>
+        <source>MAC address</source>
+        <translation>Dirección MAC</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Versión</translation>
+    </message>
+    <message>
+        <source>Region</source>
+        <translation>Región</translation>
+    </message>
+    <message>
+        <source>Scan to read these details</source>
+        <translation>Escanee para leer estos datos</translation>
     </message>
 </context>
 <context>
@@ -677,6 +760,61 @@
     <message>
         <source>Parameters</source>
         <translation>Parámetros</translation>
+    </message>
+    <message>
+        <source>Exposure</source>
+        <translation>Exposición</translation>
+    </message>
+    <message>
+        <source>Gain</source>
+        <translation>Ganancia</translation>
+    </message>
+    <message>
+        <source>Setting 3</source>
+        <translation>Ajuste 3</translation>
+    </message>
+    <message>
+        <source>LED loop count</source>
+        <translation>Ciclos del LED</translation>
+    </message>
+    <message>
+        <source>Setting 5</source>
+        <translation>Ajuste 5</translation>
+    </message>
+    <message>
+        <source>Pitch offset (°)</source>
+        <translation>Corrección de inclinación (°)</translation>
+    </message>
+    <message>
+        <source>Distance offset (mm)</source>
+        <translation>Corrección de distancia (mm)</translation>
+    </message>
+</context>
+<context>
+    <name>PagePrinter</name>
+    <message>
+        <source>Printer</source>
+        <translation>Impresora</translation>
+    </message>
+    <message>
+        <source>Printer type</source>
+        <translation>Tipo de impresora</translation>
+    </message>
+    <message>
+        <source>Bluetooth</source>
+        <translation>Bluetooth</translation>
+    </message>
+    <message>
+        <source>Cloud</source>
+        <translation>En la nube</translation>
+    </message>
+    <message>
+        <source>Bluetooth printer</source>
+        <translation>Impresora Bluetooth</translation>
+    </message>
+    <message>
+        <source>Cloud printer ID</source>
+        <translation>ID de la impresora en la nube</translation>
     </message>
 </context>
 <context>
@@ -834,6 +972,18 @@
     <message>
         <source>E-mail Reports</source>
         <translation>Informes por correo</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Idioma</translation>
+    </message>
+    <message>
+        <source>Printer</source>
+        <translation>Impresora</translation>
+    </message>
+    <message>
+        <source>Factory Reset</source>
+        <translation>Valores de fábrica</translation>
     </message>
 </context>
 <context>

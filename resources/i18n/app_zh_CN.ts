@@ -501,6 +501,46 @@
         <translation>未发送报告：请在邮件报告页面设置邮箱地址。</translation>
     </message>
     <message>
+        <source>Unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>%1: %2 to %3</source>
+        <translation>%1：%2 至 %3</translation>
+    </message>
+    <message>
+        <source>Value Out of Range</source>
+        <translation>数值超出范围</translation>
+    </message>
+    <message>
+        <source>%1 must be a whole number from %2 to %3.</source>
+        <translation>%1 必须是 %2 至 %3 之间的整数。</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>无</translation>
+    </message>
+    <message>
+        <source>Invalid Device ID</source>
+        <translation>设备 ID 无效</translation>
+    </message>
+    <message>
+        <source>A device ID cannot contain &quot;|&quot;.</source>
+        <translation>设备 ID 不能包含“|”。</translation>
+    </message>
+    <message>
+        <source>Factory Reset</source>
+        <translation>恢复出厂设置</translation>
+    </message>
+    <message>
+        <source>All settings return to their factory values and the device restarts. The test history is kept.</source>
+        <translation>所有设置将恢复为出厂值，设备随后重新启动。筛查记录会保留。</translation>
+    </message>
+    <message>
+        <source>The device restarts now.</source>
+        <translation>设备即将重新启动。</translation>
+    </message>
+    <message>
         <source>Printed</source>
         <translation>已打印</translation>
     </message>
@@ -563,6 +603,26 @@
     <message>
         <source>Region</source>
         <translation>地区</translation>
+    </message>
+    <message>
+        <source>United States</source>
+        <translation>美国</translation>
+    </message>
+    <message>
+        <source>India</source>
+        <translation>印度</translation>
+    </message>
+    <message>
+        <source>China</source>
+        <translation>中国</translation>
+    </message>
+    <message>
+        <source>Philippines</source>
+        <translation>菲律宾</translation>
+    </message>
+    <message>
+        <source>Test videos are analysed by the server of this region, and system updates come from it.</source>
+        <translation>筛查视频由该地区的服务器分析，系统更新也来自该服务器。</translation>
     </message>
 </context>
 <context>
@@ -651,10 +711,33 @@
     </message>
 </context>
 <context>
+    <name>PageLanguage</name>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
+</context>
+<context>
     <name>PageMachineID</name>
     <message>
         <source>Machine ID</source>
         <translation>设备编号</translation>
+    </message>
+    <message>
+        <source>MAC address</source>
+        <translation>MAC 地址</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>版本</translation>
+    </message>
+    <message>
+        <source>Region</source>
+        <translation>地区</translation>
+    </message>
+    <message>
+        <source>Scan to read these details</source>
+        <translation>扫码读取以上信息</translation>
     </message>
 </context>
 <context>
@@ -677,6 +760,61 @@
     <message>
         <source>Parameters</source>
         <translation>参数</translation>
+    </message>
+    <message>
+        <source>Exposure</source>
+        <translation>曝光</translation>
+    </message>
+    <message>
+        <source>Gain</source>
+        <translation>增益</translation>
+    </message>
+    <message>
+        <source>Setting 3</source>
+        <translation>设置 3</translation>
+    </message>
+    <message>
+        <source>LED loop count</source>
+        <translation>LED 闪烁周期数</translation>
+    </message>
+    <message>
+        <source>Setting 5</source>
+        <translation>设置 5</translation>
+    </message>
+    <message>
+        <source>Pitch offset (°)</source>
+        <translation>俯仰角偏移（°）</translation>
+    </message>
+    <message>
+        <source>Distance offset (mm)</source>
+        <translation>距离偏移（毫米）</translation>
+    </message>
+</context>
+<context>
+    <name>PagePrinter</name>
+    <message>
+        <source>Printer</source>
+        <translation>打印机</translation>
+    </message>
+    <message>
+        <source>Printer type</source>
+        <translation>打印机类型</translation>
+    </message>
+    <message>
+        <source>Bluetooth</source>
+        <translation>蓝牙</translation>
+    </message>
+    <message>
+        <source>Cloud</source>
+        <translation>云打印</translation>
+    </message>
+    <message>
+        <source>Bluetooth printer</source>
+        <translation>蓝牙打印机</translation>
+    </message>
+    <message>
+        <source>Cloud printer ID</source>
+        <translation>云打印机 ID</translation>
     </message>
 </context>
 <context>
@@ -834,6 +972,18 @@
     <message>
         <source>E-mail Reports</source>
         <translation>邮件报告</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
+    <message>
+        <source>Printer</source>
+        <translation>打印机</translation>
+    </message>
+    <message>
+        <source>Factory Reset</source>
+        <translation>恢复出厂设置</translation>
     </message>
 </context>
 <context>

@@ -108,6 +108,36 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
                                say(QStringLiteral("  ") + line);
                        },
                        300});
+    // The whole interface changes language at once, pages already built included.
+    const auto setupTitle = [this] {
+        auto *title = m_device->findChild<QLabel *>(QStringLiteral("labelSetupTitle"));
+        return title ? title->text() : QString();
+    };
+    m_steps.push_back({QStringLiteral("switches the language to Spanish"), [] { return true; },
+                       [this] {
+                           click("buttonSetup");
+                           click("buttonLanguageSetting");
+                           click("buttonSpanish");
+                           say(QStringLiteral("chose Español on the language page"));
+                       },
+                       500});
+    m_steps.push_back({QStringLiteral("goes back to the settings page"), onPage("pageLanguage"),
+                       [this] { click("buttonLanguageReturn"); }, 300});
+    m_steps.push_back({QStringLiteral("sees the settings page in Spanish"), onPage("pageSetup"),
+                       [this, setupTitle] {
+                           say(QStringLiteral("settings page title reads \"%1\": ").arg(setupTitle()) +
+                               screenshot(QStringLiteral("20-settings-spanish")));
+                           click("buttonLanguageSetting");
+                           click("buttonEnglish");
+                           click("buttonLanguageReturn");
+                       },
+                       500});
+    m_steps.push_back({QStringLiteral("is back in English"), [] { return true; },
+                       [this, setupTitle] {
+                           say(QStringLiteral("switched back to English; the title reads \"%1\", the setting is %2")
+                                   .arg(setupTitle(), g_pData->m_pCamCfg->value(CamCfg::Language)));
+                       },
+                       300});
     m_steps.push_back({QStringLiteral("finishes"), [] { return true; },
                        [this] {
                            say(QStringLiteral("message boxes answered: %1").arg(m_answers.join(QStringLiteral(" | "))));

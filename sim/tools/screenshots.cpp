@@ -4,6 +4,7 @@
 // Usage: orvella-screenshots LOCALE OUTPUT_DIR   (LOCALE: en_US, zh_CN or es_ES)
 // Runs on a throw-away simulated device; nothing outside a temporary folder is touched.
 #include "application.h"
+#include "camcfg.h"
 #include "cmdutil.h"
 #include "devicefactory.h"
 #include "gdata.h"
@@ -85,9 +86,9 @@ void pages(MainDialog &window)
     child<QLabel>(&window, "labelResultRefer")->hide();
     save(&window, QStringLiteral("05-result"));
 
-    const char *const noMenuPages[] = {"pageSetup",      "pageHistory",  "pageParam",     "pageReferral",
-                                       "pageUserDetail", "pageTimeZone", "pageSleepTime", "pageMachineID",
-                                       "pageCountry",    "pageWIFI",     "pageEmail"};
+    const char *const noMenuPages[] = {
+        "pageSetup",     "pageHistory", "pageParam", "pageReferral", "pageUserDetail", "pageTimeZone", "pageSleepTime",
+        "pageMachineID", "pageCountry", "pageWIFI",  "pageEmail",    "pageLanguage",   "pagePrinter"};
     // The history lists the children of the small history written at start,
     // one of them ticked; the detail page shows Sofia's two tests.
     click(&window, "buttonHistory");
@@ -103,6 +104,10 @@ void pages(MainDialog &window)
                               Q_ARG(QString, g_pData->getWIFIInfo()));
     int number = 6;
     for (const char *name : noMenuPages) {
+        // Opened through its row where it has one, so it shows the settings in force.
+        const QString row = QStringLiteral("button%1Setting").arg(QLatin1String(name + 4));
+        if (auto *button = window.findChild<QPushButton *>(row))
+            button->click();
         noMenu->setCurrentWidget(child<QWidget>(&window, name));
         save(&window, QStringLiteral("%1-%2")
                           .arg(number++, 2, 10, QLatin1Char('0'))
@@ -152,6 +157,9 @@ void dialogs()
         {"dialog-error", "Error", "User Name cannot be empry!", "", "OK", ""},
         {"dialog-question", "Power Off", nullptr, "Yes", "", "No"},
         {"dialog-three-way", "Connect to Network", nullptr, "Cancel", "Delete", "Connect"},
+        {"dialog-factory-reset", "Factory Reset",
+         "All settings return to their factory values and the device restarts. The test history is kept.", "Yes", "",
+         "No"},
     };
     const auto tr = [](const char *text) {
         return QCoreApplication::translate("MainDialog", text);
@@ -246,6 +254,11 @@ int main(int argc, char *argv[])
     g_pCmdUtil = new CmdUtil;
     g_pData = new GData(g_pCmdUtil, makeSimulatedDevices());
     g_pData->Init(&app);
+    // The language page marks the language the pictures are taken in.
+    for (const char *language : {"English", "Chinese", "Spanish"}) {
+        if (Application::localeForLanguage(QLatin1String(language)) == locale)
+            g_pData->m_pCamCfg->setValue(CamCfg::Language, QLatin1String(language));
+    }
     g_pData->m_nWifiRssi = -48;
     // As after the first network time, so the clock shows.
     g_pData->m_bNetworkReady = 1;
