@@ -316,7 +316,8 @@ int runRfcomm(const QString &stateDir, const QStringList &args, const QString &d
         QFile boundText(boundFile);
         if (boundText.open(QIODevice::WriteOnly))
             boundText.write(QStringLiteral("%1 channel %2\n").arg(mac, channel).toUtf8());
-        const BtNeighbour *n = BluetoothWorld(stateDir + QStringLiteral("/bluetooth")).find(mac);
+        const BluetoothWorld world(stateDir + QStringLiteral("/bluetooth"));
+        const BtNeighbour *n = world.find(mac);
         if (!n || !n->printer || channel != QLatin1String("1")) {
             // The node exists but nothing answers behind it: opening it
             // fails, as a real port bound to a device without that service.
