@@ -43,6 +43,7 @@ void MainDialog::timerPageWifi()
 {
     if (ui->stackedWidgetBase->currentIndex() != BasePageNoWifi)
         return;
+    labelProvisioningShow();
     if (m_nTimesWifi > 25) {
         m_nTimesWifi = 0;
         g_pData->m_nWifiChanged = 1;
