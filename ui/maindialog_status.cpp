@@ -41,9 +41,10 @@ void MainDialog::timerPageMain()
 
 void MainDialog::timerPageWifi()
 {
+    // The countdown runs wherever the page is; it is only seen on the Wi-Fi page.
+    labelProvisioningShow();
     if (ui->stackedWidgetBase->currentIndex() != BasePageNoWifi)
         return;
-    labelProvisioningShow();
     if (m_nTimesWifi > 25) {
         m_nTimesWifi = 0;
         g_pData->m_nWifiChanged = 1;

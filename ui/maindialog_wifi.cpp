@@ -120,6 +120,9 @@ void MainDialog::tableViewWIFIInit()
 
     // A finger drags the list; a tap without a drag still reaches the row.
     QScroller::grabGesture(table->viewport(), QScroller::LeftMouseButtonGesture);
+
+    // Lit while provisioning is open.
+    uiWifi->buttonProvisioning->setCheckable(true);
 }
 
 void MainDialog::tableViewWIFIShow()
@@ -241,7 +244,6 @@ void MainDialog::labelProvisioningShow()
 {
     ProvisioningServer *server = g_pData->m_pProvisioning.get();
     const bool open = server && server->isRunning();
-    uiWifi->buttonProvisioning->setCheckable(true);
     uiWifi->buttonProvisioning->setChecked(open);
     uiWifi->buttonProvisioning->setText(open ? tr("Stop setup") : tr("Phone setup"));
     if (!open) {
