@@ -11,6 +11,7 @@
 #include "osalqueue.h"
 #include "platform.h"
 #include "powertimers.h"
+#include "provisioningserver.h"
 #include "systemclock.h"
 #include "v4l2device.h"
 

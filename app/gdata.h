@@ -29,6 +29,7 @@ class cedarxutil;
 struct OSAL_QUEUE;
 struct avi_t;
 class CmdUtil;
+class ProvisioningServer;
 class QApplication;
 class common;
 
@@ -116,6 +117,12 @@ public:
     void analyseWIFIStatus(const QString &text);
     // The versions the service menu of the password box offers; count read.
     int versionListGet();
+
+    // Wi-Fi provisioning (gdata_provisioning.cpp): the servers open on the
+    // platform's provisioning address for five minutes with a new PIN.
+    bool startProvisioning();
+    void stopProvisioning();
+    ProvisioningServer *provisioning();
 
     // The ranging sensor; see gdata_sensor.cpp.
     int initRangingSensor(int bus, unsigned char address);
@@ -314,6 +321,8 @@ public:
     // The one-second pause between association checks of addWIFI; empty
     // means QThread::msleep. Tests put in a shorter one.
     std::function<void(int ms)> m_fnWifiSleep;
+    // Created at the first opening; its worker threads live until GData goes.
+    std::unique_ptr<ProvisioningServer> m_pProvisioning;
 
     // Battery icon level, 0 (empty) to 5 (full).
     int m_nBatteryLevel = 5;

@@ -50,12 +50,16 @@ const StringKey kStringKeys[] = {
     {"servers/mail_password", &Platform::mailPassword},
     {"servers/mail_sender", &Platform::mailSender},
     {"servers/mail_ca_file", &Platform::mailCaFile},
+    {"provisioning/interface", &Platform::provisioningInterface},
+    {"provisioning/address", &Platform::provisioningAddress},
 };
 
 const IntKey kIntKeys[] = {
     {"servers/analysis_port", &Platform::analysisPort},
     {"servers/time_port", &Platform::timePort},
     {"servers/mail_port", &Platform::mailPort},
+    {"provisioning/command_port", &Platform::provisioningCommandPort},
+    {"provisioning/status_port", &Platform::provisioningStatusPort},
 };
 
 } // namespace

@@ -58,6 +58,14 @@ struct Platform
     // PEM certificates trusted for the mail server; empty means the system's.
     QString mailCaFile;
 
+    // Wi-Fi provisioning: the servers listen on this address only, which
+    // must belong to this interface (the device's USB network link, never
+    // the Wi-Fi the clinic shares), for a few minutes at the operator's word.
+    QString provisioningInterface = QStringLiteral("usb0");
+    QString provisioningAddress = QStringLiteral("192.168.7.1");
+    int provisioningCommandPort = 7301;
+    int provisioningStatusPort = 7302;
+
     static Platform &instance();
     static void resetToDefaults();
 

@@ -61,6 +61,11 @@ TestDevice::TestDevice()
     platform.backlightPowerFile = sys + QStringLiteral("/bl_power");
     platform.pitchSensorDevice = sys + QStringLiteral("/iio");
     platform.printerSerialDevice = sys + QStringLiteral("/rfcomm0");
+    // Provisioning on a loopback address of its own, on any free ports.
+    platform.provisioningInterface = QStringLiteral("lo");
+    platform.provisioningAddress = QStringLiteral("127.0.0.61");
+    platform.provisioningCommandPort = 0;
+    platform.provisioningStatusPort = 0;
     // A loopback address nobody serves: the worker threads' time requests
     // never leave the machine, and a test that wants the time starts a server.
     platform.timeServer = QStringLiteral("127.0.0.123");

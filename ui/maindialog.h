@@ -124,6 +124,10 @@ private slots:
 
     // Wi-Fi page (maindialog_wifi.cpp).
     void on_tableViewWireless_clicked(const QModelIndex &index);
+    // Phone setup: opens or closes the provisioning servers.
+    void on_buttonProvisioning_clicked();
+    void provisioningStopped(int reason);
+    void provisioningNetworkChanged(int verb, const QString &ssid, bool succeeded);
 
     // Time zone and power timers (maindialog_time.cpp).
     void on_buttonTimeZone_clicked();
@@ -221,6 +225,8 @@ private:
     // Wi-Fi page (maindialog_wifi.cpp).
     void tableViewWIFIInit();
     void tableViewWIFIShow();
+    // The PIN and the time left while provisioning is open.
+    void labelProvisioningShow();
 
     // Time zone and power timers (maindialog_time.cpp); timeSettingsInit
     // runs once from the constructor.

@@ -149,6 +149,8 @@ void MainDialog::on_buttonCountryReturn_clicked()
 
 void MainDialog::on_buttonWifiReturn_clicked()
 {
+    // Provisioning stays open only while its PIN is on the screen.
+    g_pData->stopProvisioning();
     // Back through the start page: it goes on to the menu once a network is
     // joined and to the no-Wi-Fi page otherwise.
     if (g_pData->m_pCmdUtil->wireless_is_connected())

@@ -41,6 +41,8 @@ void MainDialog::timerPageMain()
 
 void MainDialog::timerPageWifi()
 {
+    // The countdown runs wherever the page is; it is only seen on the Wi-Fi page.
+    labelProvisioningShow();
     if (ui->stackedWidgetBase->currentIndex() != BasePageNoWifi)
         return;
     if (m_nTimesWifi > 25) {

@@ -3,6 +3,8 @@
 #include "maindialog.h"
 
 #include "gdata.h"
+#include "provisioningprotocol.h"
+#include "provisioningserver.h"
 #include "ui_pagewifi.h"
 #include "wifipwddlg.h"
 
@@ -118,6 +120,9 @@ void MainDialog::tableViewWIFIInit()
 
     // A finger drags the list; a tap without a drag still reaches the row.
     QScroller::grabGesture(table->viewport(), QScroller::LeftMouseButtonGesture);
+
+    // Lit while provisioning is open.
+    uiWifi->buttonProvisioning->setCheckable(true);
 }
 
 void MainDialog::tableViewWIFIShow()
@@ -216,4 +221,66 @@ void MainDialog::device_thread_slot(QString)
 {
     // The text is the refresh's raw output; GData holds what it meant.
     tableViewWIFIShow();
+}
+
+void MainDialog::on_buttonProvisioning_clicked()
+{
+    ProvisioningServer *server = g_pData->provisioning();
+    if (server->isRunning()) {
+        g_pData->stopProvisioning();
+        labelProvisioningShow();
+        return;
+    }
+    connect(server, &ProvisioningServer::stopped, this, &MainDialog::provisioningStopped, Qt::UniqueConnection);
+    connect(server, &ProvisioningServer::networkChanged, this, &MainDialog::provisioningNetworkChanged,
+            Qt::UniqueConnection);
+    uiWifi->labelProvisioningActivity->clear();
+    if (!g_pData->startProvisioning())
+        showMessage(tr("Phone setup could not start!"), QString(), QString(), tr("OK"), QString());
+    labelProvisioningShow();
+}
+
+void MainDialog::labelProvisioningShow()
+{
+    ProvisioningServer *server = g_pData->m_pProvisioning.get();
+    const bool open = server && server->isRunning();
+    uiWifi->buttonProvisioning->setChecked(open);
+    uiWifi->buttonProvisioning->setText(open ? tr("Stop setup") : tr("Phone setup"));
+    if (!open) {
+        uiWifi->labelProvisioning->clear();
+        return;
+    }
+    const int seconds = server->secondsLeft();
+    const QString left = QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+    uiWifi->labelProvisioning->setText(tr("PIN %1, %2 left").arg(QString::fromLatin1(server->pin()), left));
+}
+
+void MainDialog::provisioningStopped(int reason)
+{
+    if (reason == ProvisioningServer::StopTooManyPins)
+        uiWifi->labelProvisioningActivity->setText(tr("Phone setup closed: too many wrong PINs"));
+    else if (reason == ProvisioningServer::StopTimeUp)
+        uiWifi->labelProvisioningActivity->setText(tr("Phone setup closed: time is up"));
+    labelProvisioningShow();
+}
+
+void MainDialog::provisioningNetworkChanged(int verb, const QString &ssid, bool succeeded)
+{
+    using provisioningprotocol::Verb;
+    QString text;
+    switch (static_cast<Verb>(verb)) {
+    case Verb::Add:
+        text = succeeded ? tr("Network %1 added by provisioning") : tr("Provisioning could not add network %1");
+        break;
+    case Verb::Connect:
+        text = succeeded ? tr("Network %1 chosen by provisioning") : tr("Provisioning could not choose network %1");
+        break;
+    case Verb::Forget:
+        text = succeeded ? tr("Network %1 forgotten by provisioning") : tr("Provisioning could not forget network %1");
+        break;
+    default: return;
+    }
+    uiWifi->labelProvisioningActivity->setText(text.arg(ssid));
+    // The table shows the change at the polling thread's next refresh.
+    g_pData->m_nWifiChanged = 1;
 }

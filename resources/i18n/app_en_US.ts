@@ -552,6 +552,54 @@
         <source>Printer bound: %1</source>
         <translation>Printer bound: %1</translation>
     </message>
+    <message>
+        <source>Phone setup could not start!</source>
+        <translation>Phone setup could not start!</translation>
+    </message>
+    <message>
+        <source>Stop setup</source>
+        <translation>Stop setup</translation>
+    </message>
+    <message>
+        <source>Phone setup</source>
+        <translation>Phone setup</translation>
+    </message>
+    <message>
+        <source>PIN %1, %2 left</source>
+        <translation>PIN %1, %2 left</translation>
+    </message>
+    <message>
+        <source>Phone setup closed: too many wrong PINs</source>
+        <translation>Phone setup closed: too many wrong PINs</translation>
+    </message>
+    <message>
+        <source>Phone setup closed: time is up</source>
+        <translation>Phone setup closed: time is up</translation>
+    </message>
+    <message>
+        <source>Network %1 added by provisioning</source>
+        <translation>Network %1 added by provisioning</translation>
+    </message>
+    <message>
+        <source>Provisioning could not add network %1</source>
+        <translation>Provisioning could not add network %1</translation>
+    </message>
+    <message>
+        <source>Network %1 chosen by provisioning</source>
+        <translation>Network %1 chosen by provisioning</translation>
+    </message>
+    <message>
+        <source>Provisioning could not choose network %1</source>
+        <translation>Provisioning could not choose network %1</translation>
+    </message>
+    <message>
+        <source>Network %1 forgotten by provisioning</source>
+        <translation>Network %1 forgotten by provisioning</translation>
+    </message>
+    <message>
+        <source>Provisioning could not forget network %1</source>
+        <translation>Provisioning could not forget network %1</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -1024,6 +1072,10 @@
     <message>
         <source>Wi-Fi</source>
         <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>Phone setup</source>
+        <translation>Phone setup</translation>
     </message>
 </context>
 <context>

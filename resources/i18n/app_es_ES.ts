@@ -552,6 +552,54 @@
         <source>Printer bound: %1</source>
         <translation>Impresora vinculada: %1</translation>
     </message>
+    <message>
+        <source>Phone setup could not start!</source>
+        <translation>¡No se pudo iniciar la configuración desde el móvil!</translation>
+    </message>
+    <message>
+        <source>Stop setup</source>
+        <translation>Detener</translation>
+    </message>
+    <message>
+        <source>Phone setup</source>
+        <translation>Config. móvil</translation>
+    </message>
+    <message>
+        <source>PIN %1, %2 left</source>
+        <translation>PIN %1, quedan %2</translation>
+    </message>
+    <message>
+        <source>Phone setup closed: too many wrong PINs</source>
+        <translation>Configuración desde el móvil cerrada: demasiados PIN incorrectos</translation>
+    </message>
+    <message>
+        <source>Phone setup closed: time is up</source>
+        <translation>Configuración desde el móvil cerrada: se acabó el tiempo</translation>
+    </message>
+    <message>
+        <source>Network %1 added by provisioning</source>
+        <translation>Red %1 añadida desde el móvil</translation>
+    </message>
+    <message>
+        <source>Provisioning could not add network %1</source>
+        <translation>No se pudo añadir la red %1 desde el móvil</translation>
+    </message>
+    <message>
+        <source>Network %1 chosen by provisioning</source>
+        <translation>Red %1 elegida desde el móvil</translation>
+    </message>
+    <message>
+        <source>Provisioning could not choose network %1</source>
+        <translation>No se pudo elegir la red %1 desde el móvil</translation>
+    </message>
+    <message>
+        <source>Network %1 forgotten by provisioning</source>
+        <translation>Red %1 olvidada desde el móvil</translation>
+    </message>
+    <message>
+        <source>Provisioning could not forget network %1</source>
+        <translation>No se pudo olvidar la red %1 desde el móvil</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -1024,6 +1072,10 @@
     <message>
         <source>Wi-Fi</source>
         <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>Phone setup</source>
+        <translation>Config. móvil</translation>
     </message>
 </context>
 <context>

@@ -552,6 +552,54 @@
         <source>Printer bound: %1</source>
         <translation>打印机已绑定：%1</translation>
     </message>
+    <message>
+        <source>Phone setup could not start!</source>
+        <translation>无法开启手机配网！</translation>
+    </message>
+    <message>
+        <source>Stop setup</source>
+        <translation>停止配网</translation>
+    </message>
+    <message>
+        <source>Phone setup</source>
+        <translation>手机配网</translation>
+    </message>
+    <message>
+        <source>PIN %1, %2 left</source>
+        <translation>PIN %1，剩余 %2</translation>
+    </message>
+    <message>
+        <source>Phone setup closed: too many wrong PINs</source>
+        <translation>手机配网已关闭：PIN 错误次数过多</translation>
+    </message>
+    <message>
+        <source>Phone setup closed: time is up</source>
+        <translation>手机配网已关闭：时间已到</translation>
+    </message>
+    <message>
+        <source>Network %1 added by provisioning</source>
+        <translation>已通过手机配网添加网络 %1</translation>
+    </message>
+    <message>
+        <source>Provisioning could not add network %1</source>
+        <translation>手机配网未能添加网络 %1</translation>
+    </message>
+    <message>
+        <source>Network %1 chosen by provisioning</source>
+        <translation>已通过手机配网切换到网络 %1</translation>
+    </message>
+    <message>
+        <source>Provisioning could not choose network %1</source>
+        <translation>手机配网未能切换到网络 %1</translation>
+    </message>
+    <message>
+        <source>Network %1 forgotten by provisioning</source>
+        <translation>已通过手机配网删除网络 %1</translation>
+    </message>
+    <message>
+        <source>Provisioning could not forget network %1</source>
+        <translation>手机配网未能删除网络 %1</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -1024,6 +1072,10 @@
     <message>
         <source>Wi-Fi</source>
         <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>Phone setup</source>
+        <translation>手机配网</translation>
     </message>
 </context>
 <context>

@@ -16,6 +16,9 @@
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMutexLocker>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QStackedWidget>
 #include <QStringList>
 #include <QWidget>
@@ -138,6 +141,7 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
                                    .arg(setupTitle(), g_pData->m_pCamCfg->value(CamCfg::Language)));
                        },
                        300});
+    addProvisioning();
     m_steps.push_back({QStringLiteral("finishes"), [] { return true; },
                        [this] {
                            say(QStringLiteral("message boxes answered: %1").arg(m_answers.join(QStringLiteral(" | "))));
@@ -153,6 +157,74 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
     // until that step returns.
     m_answerTimer.setInterval(100);
     connect(&m_answerTimer, &QTimer::timeout, this, &ScriptedOperator::answerMessageBox);
+}
+
+ScriptedOperator::~ScriptedOperator()
+{
+    if (m_provisionClient && m_provisionClient->state() != QProcess::NotRunning) {
+        m_provisionClient->kill();
+        m_provisionClient->waitForFinished(2000);
+    }
+}
+
+void ScriptedOperator::addProvisioning()
+{
+    const auto label = [this](const char *name) {
+        auto *widget = m_device->findChild<QLabel *>(QLatin1String(name));
+        return widget ? widget->text() : QString();
+    };
+    const auto pinShown = [label] {
+        return QRegularExpression(QStringLiteral("\\b(\\d{6})\\b")).match(label("labelProvisioning")).captured(1);
+    };
+    const QString ssid = QStringLiteral("School Nurse Office");
+    m_steps.push_back({QStringLiteral("switches phone setup on"), [] { return true; },
+                       [this] {
+                           click("buttonSetup");
+                           click("buttonWifiSetting");
+                           click("buttonProvisioning");
+                       },
+                       300});
+    m_steps.push_back(
+        {QStringLiteral("reads the PIN off the Wi-Fi page"), [pinShown] { return !pinShown().isEmpty(); },
+         [this, label, pinShown, ssid] {
+             say(QStringLiteral("Wi-Fi page shows \"%1\": ").arg(label("labelProvisioning")) +
+                 screenshot(QStringLiteral("30-provisioning-open")));
+             m_provisionClient = std::make_unique<QProcess>();
+             m_provisionClient->setProcessChannelMode(QProcess::MergedChannels);
+             // The client finds the address and ports in the deployment file
+             // named by ORVELLA_PLATFORM_FILE, like a tester's shell would.
+             const QStringList arguments = {QStringLiteral(ORVELLA_PROVISION_CLIENT),
+                                            QStringLiteral("--pin"),
+                                            pinShown(),
+                                            QStringLiteral("add"),
+                                            ssid,
+                                            QStringLiteral("nurse-4412")};
+             say(QStringLiteral("runs scripts/provision --pin %1 add \"%2\" nurse-4412").arg(pinShown(), ssid));
+             m_provisionClient->start(QStringLiteral("/usr/bin/python3"), arguments);
+         },
+         0});
+    m_steps.push_back({QStringLiteral("waits for the provisioning client"),
+                       [this] { return m_provisionClient->state() == QProcess::NotRunning; },
+                       [this] {
+                           const QString output = QString::fromUtf8(m_provisionClient->readAll()).trimmed();
+                           say(QStringLiteral("client exit status %1, said: %2")
+                                   .arg(m_provisionClient->exitCode())
+                                   .arg(output.isEmpty() ? QStringLiteral("(nothing)") : output));
+                       },
+                       0, 40000});
+    m_steps.push_back(
+        {QStringLiteral("waits for the Wi-Fi page to show the new network connected"),
+         [ssid] {
+             QMutexLocker lock(&g_pData->wifiMutex);
+             return g_pData->wifiCurrentSsid == ssid;
+         },
+         [this, label, ssid] {
+             say(QStringLiteral("Wi-Fi page: \"%1\", connected to %2: ").arg(label("labelProvisioningActivity"), ssid) +
+                 screenshot(QStringLiteral("31-provisioning-connected")));
+             click("buttonProvisioning");
+             say(QStringLiteral("switched phone setup off; the page shows \"%1\"").arg(label("labelProvisioning")));
+         },
+         300, 20000});
 }
 
 void ScriptedOperator::start()

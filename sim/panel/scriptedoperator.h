@@ -9,9 +9,11 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 class CloudPrintServer;
+class QProcess;
 class QWidget;
 
 // Each step runs when its condition holds (checked every 100 ms, for at
@@ -23,6 +25,7 @@ class ScriptedOperator : public QObject
 
 public:
     ScriptedOperator(QWidget *device, const QString &screensDir, QObject *parent = nullptr);
+    ~ScriptedOperator() override;
 
     void start();
 
@@ -46,6 +49,9 @@ private:
     // Scans, binds the simulated printer, prints the result, then prints it
     // again through the cloud printer.
     void addPrinting();
+    // Opens phone setup on the Wi-Fi page, reads the PIN off the screen and
+    // adds a network with the provisioning client, as a tester's laptop would.
+    void addProvisioning();
     QStringList receiptPictures() const;
     void answerMessageBox();
     QStringList historyRows() const;
@@ -74,4 +80,5 @@ private:
     bool m_scanDone = false;
     QString m_printerMac;
     QStringList m_receiptsBefore;
+    std::unique_ptr<QProcess> m_provisionClient;
 };
