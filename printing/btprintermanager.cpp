@@ -157,6 +157,7 @@ void BtPrinterManager::onScanOutput()
     const QString cleaned = stripColours(text);
     qDebug("[SCAN] deansi: %s", qPrintable(cleaned));
     parseScanText(cleaned, m_devices);
+    emit scanUpdated(m_devices.values());
 }
 
 void BtPrinterManager::onScanTimeout()

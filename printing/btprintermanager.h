@@ -34,7 +34,8 @@ public:
     // the printer and proves the link); GData hands in its print job.
     void setPrintString(std::function<QString(const QString &)> printString);
 
-    // Scans for `durationMs` milliseconds, then reports through scanResultReady.
+    // Scans for `durationMs` milliseconds, reporting what it has seen so far
+    // through scanUpdated as it goes, then all of it through scanResultReady.
     void startScan(int durationMs);
     void finishScan();
     bool isScanning() const;
@@ -49,6 +50,7 @@ public:
     static void parseScanText(const QString &text, QMap<QString, BtDevice> &devices);
 
 signals:
+    void scanUpdated(const QList<BtDevice> &devices);
     void scanResultReady(const QList<BtDevice> &devices);
     void errorOccurred(const QString &message);
     void bindFinished(bool ok, const QString &mac, int channel, const QString &message);

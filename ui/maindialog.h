@@ -166,6 +166,8 @@ private slots:
     void on_buttonPrinterReturn_clicked();
     void on_buttonPrinterBt_clicked();
     void on_buttonPrinterNetwork_clicked();
+    void on_buttonPrinterScan_clicked();
+    void on_buttonPrinterTest_clicked();
 
     // Back buttons.
     void on_buttonSetupReturn_clicked();
@@ -267,8 +269,9 @@ private:
     void beginTakePhoto();
     void setGoodAimMarks(bool good);
     void pageResultShow();
-    // Prints behind the progress dialog and shows the status; true when printed.
-    bool printWithStatus();
+    // Prints behind the progress dialog and shows the status; true when
+    // printed. `mode` is UploadDlg's: 5 the result, 4 the test page.
+    bool printWithStatus(int mode = 5);
     void editNamePressed();
     void editDatePressed();
     void showDateParts();

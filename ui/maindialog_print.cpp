@@ -20,10 +20,10 @@ constexpr int kBindGuardMs = 20000;
 
 } // namespace
 
-bool MainDialog::printWithStatus()
+bool MainDialog::printWithStatus(int mode)
 {
     UploadDlg printing;
-    printing.mode = 5;
+    printing.mode = mode;
     printing.exec();
     const QString status = printing.strResult;
     QString shown = status;

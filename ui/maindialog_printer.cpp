@@ -2,6 +2,7 @@
 // MainDialog: the printer page (printer type, the bound Bluetooth printer, the cloud printer's device ID).
 #include "maindialog.h"
 
+#include "btlistdlg.h"
 #include "camcfg.h"
 #include "gdata.h"
 #include "keypaddlg.h"
@@ -12,6 +13,8 @@ namespace {
 
 const QString kBluetooth = QStringLiteral("bt");
 const QString kCloud = QStringLiteral("network");
+// The serial-port channel of the receipt printers the device is sold with.
+constexpr int kPrinterChannel = 1;
 
 } // namespace
 
@@ -47,6 +50,20 @@ void MainDialog::on_buttonPrinterBt_clicked()
 void MainDialog::on_buttonPrinterNetwork_clicked()
 {
     storeSetting(CamCfg::PrinterKind, kCloud);
+}
+
+void MainDialog::on_buttonPrinterScan_clicked()
+{
+    BtListDlg list(g_pData->btPrinterManager());
+    if (list.exec() != QDialog::Accepted || list.strMac.isEmpty())
+        return;
+    bindBtPrinterRequest(list.strMac, kPrinterChannel);
+    pagePrinterInit();
+}
+
+void MainDialog::on_buttonPrinterTest_clicked()
+{
+    printWithStatus(4);
 }
 
 void MainDialog::editCloudPrinterIdPressed()

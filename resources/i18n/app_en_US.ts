@@ -2,6 +2,65 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>BtListDlg</name>
+    <message>
+        <source>Bluetooth Devices</source>
+        <translation>Bluetooth Devices</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>MAC</source>
+        <translation>MAC</translation>
+    </message>
+    <message>
+        <source>RSSI</source>
+        <translation>RSSI</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Bind</source>
+        <translation>Bind</translation>
+    </message>
+    <message>
+        <source>%1 dBm</source>
+        <translation>%1 dBm</translation>
+    </message>
+    <message>
+        <source>Scan failed</source>
+        <translation>Scan failed</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Scanning... %1 s</source>
+        <translation>Scanning... %1 s</translation>
+    </message>
+    <message>
+        <source>No device found</source>
+        <translation>No device found</translation>
+    </message>
+    <message>
+        <source>Choose the printer</source>
+        <translation>Choose the printer</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>Scan Again</source>
+        <translation>Scan Again</translation>
+    </message>
+</context>
+<context>
     <name>GData</name>
     <message>
         <source>No response from the analysis server.</source>
@@ -863,6 +922,14 @@
     <message>
         <source>Cloud printer ID</source>
         <translation>Cloud printer ID</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>Scan</translation>
+    </message>
+    <message>
+        <source>Test Print</source>
+        <translation>Test Print</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,65 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="es_ES" sourcelanguage="en_US">
 <context>
+    <name>BtListDlg</name>
+    <message>
+        <source>Bluetooth Devices</source>
+        <translation>Dispositivos Bluetooth</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>MAC</source>
+        <translation>MAC</translation>
+    </message>
+    <message>
+        <source>RSSI</source>
+        <translation>Señal</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>Bind</source>
+        <translation>Vincular</translation>
+    </message>
+    <message>
+        <source>%1 dBm</source>
+        <translation>%1 dBm</translation>
+    </message>
+    <message>
+        <source>Scan failed</source>
+        <translation>Error en la búsqueda</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>Scanning... %1 s</source>
+        <translation>Buscando... %1 s</translation>
+    </message>
+    <message>
+        <source>No device found</source>
+        <translation>No se encontró ningún dispositivo</translation>
+    </message>
+    <message>
+        <source>Choose the printer</source>
+        <translation>Elija la impresora</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Detener</translation>
+    </message>
+    <message>
+        <source>Scan Again</source>
+        <translation>Buscar de nuevo</translation>
+    </message>
+</context>
+<context>
     <name>GData</name>
     <message>
         <source>No response from the analysis server.</source>
@@ -863,6 +922,14 @@
     <message>
         <source>Cloud printer ID</source>
         <translation>ID de la impresora en la nube</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>Buscar</translation>
+    </message>
+    <message>
+        <source>Test Print</source>
+        <translation>Imprimir prueba</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,65 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN" sourcelanguage="en_US">
 <context>
+    <name>BtListDlg</name>
+    <message>
+        <source>Bluetooth Devices</source>
+        <translation>蓝牙设备</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>MAC</source>
+        <translation>MAC 地址</translation>
+    </message>
+    <message>
+        <source>RSSI</source>
+        <translation>信号强度</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Bind</source>
+        <translation>绑定</translation>
+    </message>
+    <message>
+        <source>%1 dBm</source>
+        <translation>%1 dBm</translation>
+    </message>
+    <message>
+        <source>Scan failed</source>
+        <translation>扫描失败</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Scanning... %1 s</source>
+        <translation>正在扫描… %1 秒</translation>
+    </message>
+    <message>
+        <source>No device found</source>
+        <translation>未找到设备</translation>
+    </message>
+    <message>
+        <source>Choose the printer</source>
+        <translation>请选择打印机</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Scan Again</source>
+        <translation>重新扫描</translation>
+    </message>
+</context>
+<context>
     <name>GData</name>
     <message>
         <source>No response from the analysis server.</source>
@@ -863,6 +922,14 @@
     <message>
         <source>Cloud printer ID</source>
         <translation>云打印机 ID</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>扫描</translation>
+    </message>
+    <message>
+        <source>Test Print</source>
+        <translation>打印测试页</translation>
     </message>
 </context>
 <context>

@@ -2,7 +2,6 @@
 // A scripted tester for headless runs: works the device window and the scene, and reports.
 #include "scriptedoperator.h"
 
-#include "btprintermanager.h"
 #include "camcfg.h"
 #include "cloudprintserver.h"
 #include "gdata.h"
@@ -16,11 +15,13 @@
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QMutexLocker>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStackedWidget>
 #include <QStringList>
+#include <QTableWidget>
 #include <QWidget>
 
 #include <cstdio>
@@ -319,34 +320,57 @@ void ScriptedOperator::addScreening(const QString &name, bool male, const QStrin
 
 void ScriptedOperator::addPrinting()
 {
-    m_steps.push_back(
-        {QStringLiteral("scans for Bluetooth printers"), [] { return true; },
-         [this] {
-             BtPrinterManager *manager = g_pData->btPrinterManager();
-             connect(manager, &BtPrinterManager::scanResultReady, this, [this](const QList<BtDevice> &devices) {
-                 QStringList seen;
-                 for (const BtDevice &device : devices) {
-                     seen << QStringLiteral("%1 (%2, %3 dBm)").arg(device.name, device.mac).arg(device.rssi);
-                     if (device.name.contains(QLatin1String("Printer")))
-                         m_printerMac = device.mac;
-                 }
-                 say(QStringLiteral("scan found: ") + seen.join(QStringLiteral("; ")));
-                 m_scanDone = true;
-             });
-             manager->startScan(3000);
-             say(QStringLiteral("started a three-second Bluetooth scan"));
-         },
-         0});
-    m_steps.push_back({QStringLiteral("binds the printer the scan found"),
-                       [this] { return m_scanDone && !m_printerMac.isEmpty(); },
+    const auto onPage = [this](const char *name) {
+        return [this, name] {
+            auto *pages = m_device->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetNoMenu"));
+            return pages && pages->isVisible() && pages->currentWidget()->objectName() == QLatin1String(name);
+        };
+    };
+    const auto onResultPage = [this] {
+        auto *base = m_device->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetBase"));
+        auto *menu = base->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetWithMenu"));
+        return base->currentIndex() == 1 && menu->isVisible() &&
+               menu->currentWidget()->objectName() == QLatin1String("pageResult");
+    };
+    const auto boundPrinter = [this] {
+        auto *label = m_device->findChild<QLabel *>(QStringLiteral("labelBtPrinterValue"));
+        return label ? label->text() : QString();
+    };
+    m_steps.push_back({QStringLiteral("opens the printer settings"), [] { return true; },
                        [this] {
-                           QMetaObject::invokeMethod(m_device, "bindBtPrinterRequest", Qt::DirectConnection,
-                                                     Q_ARG(QString, m_printerMac), Q_ARG(int, 1));
-                           say(QStringLiteral("bound %1: %2").arg(m_printerMac, m_answers.value(m_answers.size() - 1)));
+                           click("buttonSetup");
+                           click("buttonPrinterSetting");
                        },
-                       // The printer keeps a job until its line has been quiet a moment.
-                       1000, 10000});
-    m_steps.push_back({QStringLiteral("prints the result on the Bluetooth printer"), [] { return true; },
+                       300});
+    // The scan list and the boxes of the bind are answered by answerModal
+    // while the Scan button's dialog runs.
+    m_steps.push_back(
+        {QStringLiteral("scans and binds the printer on the printer page"), onPage("pagePrinter"),
+         [this, boundPrinter] {
+             say(QStringLiteral("printer page shows the Bluetooth printer \"%1\"; pressed Scan").arg(boundPrinter()));
+             click("buttonPrinterScan");
+             say(QStringLiteral("the page now shows the Bluetooth printer \"%1\" (%2): ")
+                     .arg(boundPrinter(), m_answers.value(m_answers.size() - 1)) +
+                 screenshot(QStringLiteral("06-printer-bound")));
+         },
+         // The printer keeps a job until its line has been quiet a moment.
+         1000});
+    m_steps.push_back({QStringLiteral("prints a test page"), [] { return true; },
+                       [this] {
+                           m_receiptsBefore = receiptPictures();
+                           click("buttonPrinterTest");
+                           say(QStringLiteral("pressed Test Print: ") + m_answers.value(m_answers.size() - 1));
+                       },
+                       0});
+    m_steps.push_back({QStringLiteral("sees the test page come out of the printer"),
+                       [this] { return receiptPictures().size() > m_receiptsBefore.size(); },
+                       [this] {
+                           say(QStringLiteral("test page picture: ") + receiptPictures().constLast());
+                           click("buttonPrinterReturn");
+                           click("buttonSetupReturn");
+                       },
+                       1000, 5000});
+    m_steps.push_back({QStringLiteral("prints the result on the Bluetooth printer"), onResultPage,
                        [this] {
                            m_receiptsBefore = receiptPictures();
                            click("buttonResultPrint");
@@ -359,17 +383,27 @@ void ScriptedOperator::addPrinting()
                            say(QStringLiteral("receipt picture: ") + receiptPictures().constLast());
                            say(QStringLiteral("latest receipt also at: ") + m_printerDir +
                                QStringLiteral("/last-receipt.png"));
+                           click("buttonSetup");
+                           click("buttonPrinterSetting");
                        },
                        300, 5000});
-    m_steps.push_back({QStringLiteral("prints the result through the cloud printer"), [] { return true; },
+    m_steps.push_back({QStringLiteral("switches to the cloud printer on the printer page"), onPage("pagePrinter"),
                        [this] {
-                           CamCfg &cfg = *g_pData->m_pCamCfg;
-                           cfg.setValue(CamCfg::PrinterKind, QStringLiteral("network"));
-                           cfg.setValue(CamCfg::PrinterDeviceId, CloudPrintServer::registeredDeviceId());
-                           cfg.dogenCurrentCFG();
-                           cfg.saveCFG2File();
-                           say(QStringLiteral("switched to the cloud printer, device ID %1")
-                                   .arg(CloudPrintServer::registeredDeviceId()));
+                           click("buttonPrinterNetwork");
+                           m_typing = CloudPrintServer::registeredDeviceId();
+                           auto *edit = m_device->findChild<QLineEdit *>(QStringLiteral("editCloudPrinterId"));
+                           QMouseEvent press(QEvent::MouseButtonPress, QPointF(10, 10), Qt::LeftButton, Qt::LeftButton,
+                                             Qt::NoModifier);
+                           QApplication::sendEvent(edit, &press);
+                           say(QStringLiteral("chose Cloud and typed the device ID; the settings hold %1, \"%2\"")
+                                   .arg(g_pData->m_pCamCfg->value(CamCfg::PrinterKind),
+                                        g_pData->m_pCamCfg->value(CamCfg::PrinterDeviceId)));
+                           click("buttonPrinterReturn");
+                           click("buttonSetupReturn");
+                       },
+                       300});
+    m_steps.push_back({QStringLiteral("prints the result through the cloud printer"), onResultPage,
+                       [this] {
                            click("buttonResultPrint");
                            say(QStringLiteral("pressed Print: ") + m_answers.value(m_answers.size() - 1));
                            if (m_cloudPrintServer) {
@@ -380,6 +414,68 @@ void ScriptedOperator::addPrinting()
                            }
                        },
                        300});
+}
+
+void ScriptedOperator::chooseFromScanList(QWidget *list)
+{
+    auto *table = list->findChild<QTableWidget *>(QStringLiteral("tableWidgetBtList"));
+    if (!table)
+        return;
+    if (!m_listShown.isValid())
+        m_listShown.start();
+    int printerRow = -1;
+    QStringList rows;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const auto text = [table, row](int column) {
+            return table->item(row, column) ? table->item(row, column)->text() : QString();
+        };
+        rows << QStringLiteral("%1 (%2, %3)").arg(text(0), text(1), text(2));
+        // Chosen once its strength is known: the scan has heard it twice.
+        if (text(0).contains(QLatin1String("Printer")) && !text(2).isEmpty())
+            printerRow = row;
+    }
+    auto *status = list->findChild<QLabel *>(QStringLiteral("labelBtListStatus"));
+    if (printerRow >= 0) {
+        const QString path = m_screensDir + QStringLiteral("/05-scan-list.png");
+        say(QStringLiteral("scan list (%1) shows: %2: %3")
+                .arg(status ? status->text() : QString(), rows.join(QStringLiteral("; ")),
+                     list->grab().save(path) ? path : QStringLiteral("(screenshot failed)")));
+        table->selectRow(printerRow);
+        m_listShown.invalidate();
+        click(list, "buttonBtListBind");
+    } else if (m_listShown.elapsed() > 20000) {
+        say(QStringLiteral("no printer in the scan list: ") + rows.join(QStringLiteral("; ")));
+        m_listShown.invalidate();
+        click(list, "buttonBtListCancel");
+    }
+}
+
+void ScriptedOperator::typeOnKeypad(QWidget *keypad)
+{
+    // Key by key, as a finger would: a character not on the keys shown is
+    // looked for on the next table of keys.
+    const QStringList named = {QStringLiteral("buttonShift"), QStringLiteral("buttonMode"),
+                               QStringLiteral("buttonDel"),   QStringLiteral("buttonEnter"),
+                               QStringLiteral("buttonSpace"), QStringLiteral("buttonCloseKeypad")};
+    const QList<QAbstractButton *> keys = keypad->findChildren<QAbstractButton *>();
+    const auto press = [&](const QChar c) {
+        for (QAbstractButton *key : keys) {
+            if (!named.contains(key->objectName()) && key->text() == QString(c)) {
+                key->click();
+                return true;
+            }
+        }
+        return false;
+    };
+    // Whatever an earlier run left in the field goes first; 64 is its limit.
+    for (int i = 0; i < 64; ++i)
+        click(keypad, "buttonDel");
+    for (const QChar c : qAsConst(m_typing)) {
+        for (int turn = 0; turn < 8 && !press(c); ++turn)
+            click(keypad, turn % 2 == 0 ? "buttonShift" : "buttonMode");
+    }
+    m_typing.clear();
+    click(keypad, "buttonCloseKeypad");
 }
 
 QStringList ScriptedOperator::receiptPictures() const
@@ -394,7 +490,22 @@ QStringList ScriptedOperator::receiptPictures() const
 void ScriptedOperator::answerMessageBox()
 {
     QWidget *modal = QApplication::activeModalWidget();
-    if (!modal || QLatin1String(modal->metaObject()->className()) != QLatin1String("MsgDialog") || modal == m_answered)
+    if (!modal || modal == m_answered)
+        return;
+    const QLatin1String kind(modal->metaObject()->className());
+    if (kind == QLatin1String("BtListDlg")) {
+        chooseFromScanList(modal);
+        return;
+    }
+    if (kind == QLatin1String("KeypadDlg") && !m_typing.isEmpty()) {
+        typeOnKeypad(modal);
+        return;
+    }
+    if (kind != QLatin1String("MsgDialog"))
+        return;
+    auto *middle = modal->findChild<QAbstractButton *>(QStringLiteral("buttonMiddle1"));
+    // The wait of a bind closes by itself when the bind ends.
+    if (middle && middle->isVisibleTo(modal) && middle->text() == QLatin1String("Waiting..."))
         return;
     m_answered = modal;
     connect(modal, &QObject::destroyed, this, [this] { m_answered = nullptr; });
@@ -407,7 +518,6 @@ void ScriptedOperator::answerMessageBox()
     m_answers << texts.join(QLatin1Char('/'));
     // A question is answered with its left button (Yes); a notice with its one button.
     auto *left = modal->findChild<QAbstractButton *>(QStringLiteral("buttonLeft1"));
-    auto *middle = modal->findChild<QAbstractButton *>(QStringLiteral("buttonMiddle1"));
     QAbstractButton *answer = left && left->isVisibleTo(modal) ? left : middle;
     if (answer)
         QTimer::singleShot(200, answer, &QAbstractButton::click);
@@ -496,7 +606,12 @@ QString ScriptedOperator::measured() const
 
 bool ScriptedOperator::click(const char *button) const
 {
-    auto *target = m_device->findChild<QAbstractButton *>(QLatin1String(button));
+    return click(m_device, button);
+}
+
+bool ScriptedOperator::click(QWidget *parent, const char *button)
+{
+    auto *target = parent->findChild<QAbstractButton *>(QLatin1String(button));
     if (!target)
         return false;
     target->click();

@@ -46,12 +46,18 @@ private:
 
     // One child screened from the details page to the saved result.
     void addScreening(const QString &name, bool male, const QString &birthday, bool first);
-    // Scans, binds the simulated printer, prints the result, then prints it
-    // again through the cloud printer.
+    // On the printer page: scans, binds the simulated printer and prints a
+    // test page; prints the result, then switches to the cloud printer and
+    // prints it again.
     void addPrinting();
     // Opens phone setup on the Wi-Fi page, reads the PIN off the screen and
     // adds a network with the provisioning client, as a tester's laptop would.
     void addProvisioning();
+    // The Scan button's list: the printer chosen once it shows, or the list
+    // left when it never does.
+    void chooseFromScanList(QWidget *list);
+    // Types m_typing on the on-screen keyboard and closes it.
+    void typeOnKeypad(QWidget *keypad);
     QStringList receiptPictures() const;
     void answerMessageBox();
     QStringList historyRows() const;
@@ -61,6 +67,7 @@ private:
     QString screenshot(const QString &name) const;
     QString measured() const;
     bool click(const char *button) const;
+    static bool click(QWidget *parent, const char *button);
 
     QWidget *m_device;
     QString m_screensDir;
@@ -77,8 +84,8 @@ private:
     int m_answersBeforeExport = 0;
     CloudPrintServer *m_cloudPrintServer = nullptr;
     QString m_printerDir;
-    bool m_scanDone = false;
-    QString m_printerMac;
+    QElapsedTimer m_listShown;
+    QString m_typing;
     QStringList m_receiptsBefore;
     std::unique_ptr<QProcess> m_provisionClient;
 };

@@ -4,6 +4,8 @@
 // Usage: orvella-screenshots LOCALE OUTPUT_DIR   (LOCALE: en_US, zh_CN or es_ES)
 // Runs on a throw-away simulated device; nothing outside a temporary folder is touched.
 #include "application.h"
+#include "btlistdlg.h"
+#include "btprintermanager.h"
 #include "camcfg.h"
 #include "cmdutil.h"
 #include "devicefactory.h"
@@ -26,6 +28,7 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTableView>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTextCodec>
 #include <QTimer>
@@ -208,6 +211,24 @@ void dialogs()
     zones.Init(QStringLiteral("5.5"));
     zones.show();
     save(&zones, QStringLiteral("dialog-time-zone"));
+    // The scan list halfway through a scan of the simulated radio: three
+    // devices with their strengths, one just announced, the printer chosen.
+    BtPrinterManager scanner;
+    BtListDlg scan(&scanner);
+    scan.show();
+    QCoreApplication::processEvents();
+    const auto device = [](const char *mac, const char *name, int rssi) {
+        BtDevice found;
+        found.mac = QLatin1String(mac);
+        found.name = QString::fromUtf8(name);
+        found.rssi = rssi;
+        return found;
+    };
+    scan.showDevices(
+        {device("66:12:A0:3C:58:01", "ORV-P58 Receipt Printer", -58), device("4C:87:5D:21:0A:9E", "Nurse's phone", -71),
+         device("F0:5C:77:E2:19:44", "Classroom speaker", -83), device("00:1B:DC:45:7A:10", "Staff tablet", 0)});
+    child<QTableWidget>(&scan, "tableWidgetBtList")->selectRow(0);
+    save(&scan, QStringLiteral("dialog-bt-list"));
     TimeDlg durations;
     durations.Init(QCoreApplication::translate("PageSleepTime", "Power off after"), QStringLiteral("30 Minutes"));
     durations.show();
