@@ -372,14 +372,15 @@ private slots:
         }
         writeRecording();
         QStringList messages;
+        // The "please wait" box may be caught while the mail goes out on a busy machine; only outcomes count.
         ModalResponder answer([&messages](QWidget *box) {
-            messages << messageText(box);
+            if (!messageText(box).contains(QLatin1String("please wait")))
+                messages << messageText(box);
             pressButton(box, "buttonMiddle1");
         });
         QMetaObject::invokeMethod(m_window.get(), "onSendVideoReportTimeout", Qt::DirectConnection);
         server.kill();
         server.waitForFinished();
-        // The "please wait" box is not modal: only the outcome is answered.
         QCOMPARE(messages.size(), message.isEmpty() ? 0 : 1);
         if (!message.isEmpty())
             QVERIFY2(messages.at(0).startsWith(message), qPrintable(messages.at(0)));

@@ -340,6 +340,8 @@ void ScriptedOperator::addPrinting()
                        [this] {
                            click("buttonSetup");
                            click("buttonPrinterSetting");
+                           // A kept device may still be set to the cloud printer from an earlier run.
+                           click("buttonPrinterBt");
                        },
                        300});
     // The scan list and the boxes of the bind are answered by answerModal
