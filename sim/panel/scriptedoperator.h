@@ -12,6 +12,7 @@
 #include <vector>
 
 class CloudPrintServer;
+class UpdateServer;
 class QWidget;
 
 // Each step runs when its condition holds (checked every 100 ms, for at
@@ -22,7 +23,14 @@ class ScriptedOperator : public QObject
     Q_OBJECT
 
 public:
-    ScriptedOperator(QWidget *device, const QString &screensDir, QObject *parent = nullptr);
+    // Which of the simulated device's boots this is, as the tester's notes
+    // tell: the first runs the whole session and then installs the next
+    // version; after that update the tester checks the version and installs
+    // a broken one; after the broken one has been rolled back it checks the
+    // version once more and ends the run.
+    enum class Boot { First, AfterUpdate, AfterBrokenUpdate };
+
+    ScriptedOperator(QWidget *device, const QString &screensDir, Boot boot = Boot::First, QObject *parent = nullptr);
 
     void start();
 
@@ -30,6 +38,13 @@ public:
     // simulated Bluetooth printer leaves its receipts.
     void setCloudPrintServer(CloudPrintServer *server) { m_cloudPrintServer = server; }
     void setPrinterDir(const QString &dir) { m_printerDir = dir; }
+    // The simulated update server, and the file where the tester notes an
+    // update before the device restarts into it.
+    void setUpdateServer(UpdateServer *server, const QString &notesFile)
+    {
+        m_updateServer = server;
+        m_notesFile = notesFile;
+    }
 
 private:
     struct Step
@@ -46,6 +61,12 @@ private:
     // Scans, binds the simulated printer, prints the result, then prints it
     // again through the cloud printer.
     void addPrinting();
+    // Opens the settings page, presses "System Update" and accepts what it
+    // offers, noting `note` first: the device restarts when it succeeds.
+    void addUpdate(const QString &note, const QString &screen);
+    // Reads the version on the machine identity page.
+    void addVersionCheck(const QString &what, const QString &screen);
+    void addFinish();
     QStringList receiptPictures() const;
     void answerMessageBox();
     QStringList historyRows() const;
@@ -70,6 +91,8 @@ private:
     bool m_acting = false;
     int m_answersBeforeExport = 0;
     CloudPrintServer *m_cloudPrintServer = nullptr;
+    UpdateServer *m_updateServer = nullptr;
+    QString m_notesFile;
     QString m_printerDir;
     bool m_scanDone = false;
     QString m_printerMac;
