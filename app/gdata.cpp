@@ -14,6 +14,7 @@
 #include "provisioningserver.h"
 #include "systemclock.h"
 #include "v4l2device.h"
+#include "versionstamp.h"
 
 #include <QDebug>
 #include <QStringList>
@@ -69,7 +70,7 @@ void GData::InitData()
 void GData::InitCommonAndConfig()
 {
     m_pCommon = new common(this);
-    m_pCommon->setVersion(QStringLiteral("0.0.1"));
+    m_pCommon->setVersion(versionstamp::builtVersion());
 
     delete m_pCamCfg;
     m_pCamCfg = new CamCfg;
@@ -127,12 +128,6 @@ void GData::cfgFileDelete()
     // Passed as an argument rather than a command line, so an application
     // folder with a blank in its path still names the right file.
     QStringList arguments{m_pCamCfg->configFilePath()};
-    m_pCmdUtil->sendCommand(QStringLiteral("rm"), arguments);
-}
-
-void GData::versionDelete()
-{
-    QStringList arguments{Platform::instance().applicationDir() + QStringLiteral("/orvella.new")};
     m_pCmdUtil->sendCommand(QStringLiteral("rm"), arguments);
 }
 
@@ -206,11 +201,6 @@ bool GData::sysfileWrite(const QString &path, const QByteArray &text)
     return m_devices.power->sysfileWrite(path, text);
 }
 
-void GData::timerVersionCheck()
-{
-    // The update server and the update button's mark are not built yet.
-}
-
 bool GData::isNetworkReady() const
 {
     return m_bNetworkReady != 0;
@@ -231,14 +221,4 @@ bool GData::isBusy() const
 {
     const int mode = m_nCameraMode;
     return m_nBusyJobs > 0 || mode == 2 || mode == 3;
-}
-
-bool GData::versionDownlod()
-{
-    return false;
-}
-
-int GData::versionCheck()
-{
-    return -1;
 }

@@ -32,6 +32,9 @@ class CmdUtil;
 class ProvisioningServer;
 class QApplication;
 class common;
+namespace firmwareupdate {
+struct Description;
+}
 
 // A thin facade: each area keeps its logic in its own class or functions,
 // GData holds the shared values and forwards to them.
@@ -54,6 +57,9 @@ public:
     void cfgFileDelete();
     // Withdraws an update prepared for the next boot.
     void versionDelete();
+    // Tells the start-up script that this program came up: its main window
+    // has been shown, so an update just installed need not be rolled back.
+    void markBootGood();
 
     bool getSensorCalibrationData(sensor_calibrate_data_t &data);
     bool setSensorCalibrationData(sensor_calibrate_data_t data);
@@ -72,7 +78,8 @@ public:
     int getDOF();
     bool sysfileWrite(const QString &path, const QByteArray &text);
 
-    // Marks the update button when a new version is published.
+    // Looks for a new version now and then (see gdata_update.cpp); the
+    // update button shows what it found.
     void timerVersionCheck();
 
     // Camera, encoder and recording; see gdata_media.cpp.
@@ -117,6 +124,8 @@ public:
     void analyseWIFIStatus(const QString &text);
     // The versions the service menu of the password box offers; count read.
     int versionListGet();
+    // The entries read by versionListGet, each a line of the list.
+    QStringList m_strVersionList;
 
     // Wi-Fi provisioning (gdata_provisioning.cpp): the servers open on the
     // platform's provisioning address for five minutes with a new PIN.
@@ -184,10 +193,27 @@ public:
     QString readTestResult();
     void saveDeleteResult(const QString &text);
 
-    // Long operations run behind UploadDlg. The update area is not built
-    // yet: until it is, each of its operations reports failure (false, -1).
-    bool versionDownlod();
+    // The firmware update; see gdata_update.cpp. versionCheck gives 1 for a
+    // new version (its description stored), 0 for none, below 0 when the
+    // server could not be asked.
     int versionCheck();
+    int versionCheck(const QString &file);
+    bool versionDownlod();
+    bool versionSave(QByteArray &data);
+    bool versionMD5Check();
+    bool versionCopy();
+    // Where the update server keeps a file of the configured region.
+    QString versionFileUrl(const QString &file) const;
+    // The description of the version to download.
+    QString m_strNewVerFile;
+    qint32 m_nNewVerSize = 0;
+    QString m_strNewVerMD5;
+    // Set by timerVersionCheck when the server publishes a version other
+    // than the running one; the main window marks the update button.
+    std::atomic<int> m_nNewVersionPublished{0};
+    // The pause between two background checks, and its wait for an answer.
+    int m_nVersionCheckPeriodSeconds = 4 * 3600;
+    int m_nVersionCheckTimeoutSeconds = 15;
 
     // Printing; see gdata_print.cpp. Each returns a status text: "OK", a
     // message for the operator, or empty when no known printer kind is set.
@@ -355,7 +381,13 @@ public:
     QString m_strReportFile;
 
 private:
+    // Fetches and reads a description; the result as versionCheck gives it.
+    int fetchVersionDescription(const QString &file, bool compareVersion, int timeoutSeconds,
+                                firmwareupdate::Description &description);
+
     BtPrinterManager *m_pBtPrinterManager = nullptr;
+    // Monotonic milliseconds of the last background check; 0 before the first.
+    qint64 m_nLastVersionCheckMs = 0;
 };
 
 extern GData *g_pData;

@@ -179,10 +179,3 @@ QString GData::Unicode2Txt(const QString &text) const
 {
     return wifiparsers::unicodeToText(text);
 }
-
-int GData::versionListGet()
-{
-    // The update server and its version list are not built yet: until they
-    // are, no list can be fetched and the caller reports the download failed.
-    return 0;
-}

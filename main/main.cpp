@@ -17,6 +17,7 @@
 #include <QDebug>
 #include <QFont>
 #include <QTextCodec>
+#include <QTimer>
 
 namespace {
 
@@ -78,6 +79,9 @@ int main(int argc, char *argv[])
 #endif
     // Whoever started the program may wait for this line before talking to it.
     qDebug("main window shown");
+    // Once the event loop has drawn the window, this boot counts as good and
+    // a program just installed stays (deploy/orvella-start).
+    QTimer::singleShot(0, [] { g_pData->markBootGood(); });
 
     const int result = app.exec();
     // The device is switched off rather than left; when the program is

@@ -69,6 +69,8 @@ TestDevice::TestDevice()
     // A loopback address nobody serves: the worker threads' time requests
     // never leave the machine, and a test that wants the time starts a server.
     platform.timeServer = QStringLiteral("127.0.0.123");
+    // Nor do update checks: nothing listens there, so they fail at once.
+    platform.updateBaseUrl = QStringLiteral("http://127.0.0.124:9/");
     qputenv("ORVELLA_SIM_DIR", QFile::encodeName(simDir()));
     // Only the stand-ins and the basic system tools: a host wpa_cli or
     // poweroff must never be reached from a test.

@@ -317,7 +317,7 @@ private slots:
                  QStringList({"Connect to the unsafe network?/Guest [Cancel Connect]", "Connect Failed! [OK]"}));
         QCOMPARE(tap(QStringLiteral("School Nurse Office"), {"buttonConnect"}, QStringLiteral("not-the-password")),
                  QStringList({"Enter Password [Cancel Connect]", "Wrong Password! [OK]"}));
-        // The service code opens the version switch, whose list cannot be fetched yet.
+        // The service code asks for the version list, which no server answers here.
         QCOMPARE(tap(QStringLiteral("School Nurse Office"), {"buttonConnect"}, QStringLiteral("qbtz4719")).value(1),
                  QStringLiteral("Version List File Download Failed! [OK]"));
         // A cancelled password box hands back nothing to join with.

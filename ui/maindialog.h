@@ -213,6 +213,8 @@ private:
     void timerPageCamera();
     void timerPageMain();
     void timerPageWifi();
+    // Marks the update button while a new version is published; run by timerPageMain.
+    void timerVersionCheck();
 
     void labelTimeShow();
     void labelBatteryShow();
@@ -315,6 +317,7 @@ private:
     int m_nTimesWifi = 0;
 
     bool m_bLowBatteryArmed = true;
+    bool m_bUpdateMarked = false;
 
     // Consecutive timer ticks with a good aim (maindialog_camera.cpp).
     int m_nStableAim = 0;

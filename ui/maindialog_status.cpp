@@ -6,9 +6,11 @@
 #include "cmdutil.h"
 #include "gdata.h"
 #include "ui_maindialog.h"
+#include "ui_pagesetup.h"
 #include "ui_pagetimezone.h"
 #include "ui_pagewithmenu.h"
 
+#include <QIcon>
 #include <QPixmap>
 
 void MainDialog::timerPageStart()
@@ -34,6 +36,7 @@ void MainDialog::timerPageMain()
         labelWirelessShow();
         labelTimeShow();
         labelBatteryShow();
+        timerVersionCheck();
     } else {
         ++m_nTimesMain;
     }
@@ -92,4 +95,19 @@ void MainDialog::labelWirelessShow()
     else if (rssi >= -70)
         icon = ":/png/history/wifi3@2x.png";
     uiMenu->labelWireless->setPixmap(QPixmap(QString::fromLatin1(icon)));
+}
+
+void MainDialog::timerVersionCheck()
+{
+    // The polling thread asks the server (GData::timerVersionCheck); this
+    // only shows what it found, and restores the plain button should the
+    // server withdraw the version.
+    const bool published = g_pData->m_nNewVersionPublished != 0;
+    if (published == m_bUpdateMarked)
+        return;
+    m_bUpdateMarked = published;
+    uiSetup->buttonUpdate->setIcon(
+        QIcon(published ? QStringLiteral(":/pic/update_new.jpg") : QStringLiteral(":/png/setup/update@2x.png")));
+    uiSetup->buttonUpdate->setStyleSheet(published ? QStringLiteral("color: rgb(50, 227, 233); font-size: 24pt;")
+                                                   : QString());
 }

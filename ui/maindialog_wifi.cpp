@@ -6,6 +6,7 @@
 #include "provisioningprotocol.h"
 #include "provisioningserver.h"
 #include "ui_pagewifi.h"
+#include "versiondlg.h"
 #include "wifipwddlg.h"
 
 #include <QApplication>
@@ -207,10 +208,13 @@ void MainDialog::on_tableViewWireless_clicked(const QModelIndex &index)
     if (!dialog.bConnect)
         return;
     if (dialog.strPassword == QLatin1String(kServiceCode)) {
-        // A fetched list opens the version switch dialog, which arrives with
-        // the firmware update; until then no list can be fetched.
-        if (g_pData->versionListGet() <= 0)
+        if (g_pData->versionListGet() <= 0) {
             showMessage(tr("Version List File Download Failed!"), QString(), QString(), tr("OK"), QString());
+            return;
+        }
+        versiondlg versions;
+        versions.Init(g_pData->m_strVersionList);
+        versions.exec();
         return;
     }
     if (!g_pData->addWIFI(ssid, dialog.strPassword))

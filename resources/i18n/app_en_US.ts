@@ -1344,4 +1344,43 @@
         <translation>UTC-11: Midway Islands Time</translation>
     </message>
 </context>
+<context>
+    <name>versiondlg</name>
+    <message>
+        <source>Version Switch</source>
+        <translation>Version Switch</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Switch to %1</source>
+        <translation>Switch to %1</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Yes</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>No</translation>
+    </message>
+    <message>
+        <source>Version Check Failed!</source>
+        <translation>Version Check Failed!</translation>
+    </message>
+    <message>
+        <source>System Switch Failed!</source>
+        <translation>System Switch Failed!</translation>
+    </message>
+    <message>
+        <source>System Switch Success!</source>
+        <translation>System Switch Success!</translation>
+    </message>
+</context>
 </TS>

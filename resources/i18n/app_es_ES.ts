@@ -1344,4 +1344,43 @@
         <translation>UTC-11: Hora de las Islas Midway</translation>
     </message>
 </context>
+<context>
+    <name>versiondlg</name>
+    <message>
+        <source>Version Switch</source>
+        <translation>Cambio de versión</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>Switch to %1</source>
+        <translation>¿Cambiar a %1?</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Sí</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>No</translation>
+    </message>
+    <message>
+        <source>Version Check Failed!</source>
+        <translation>Error al comprobar la versión</translation>
+    </message>
+    <message>
+        <source>System Switch Failed!</source>
+        <translation>Error al cambiar de versión</translation>
+    </message>
+    <message>
+        <source>System Switch Success!</source>
+        <translation>Versión cambiada correctamente</translation>
+    </message>
+</context>
 </TS>

@@ -1344,4 +1344,43 @@
         <translation>UTC-11: 中途岛时间</translation>
     </message>
 </context>
+<context>
+    <name>versiondlg</name>
+    <message>
+        <source>Version Switch</source>
+        <translation>版本切换</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Switch to %1</source>
+        <translation>切换到 %1</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>是</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>否</translation>
+    </message>
+    <message>
+        <source>Version Check Failed!</source>
+        <translation>版本检查失败</translation>
+    </message>
+    <message>
+        <source>System Switch Failed!</source>
+        <translation>版本切换失败</translation>
+    </message>
+    <message>
+        <source>System Switch Success!</source>
+        <translation>版本切换成功</translation>
+    </message>
+</context>
 </TS>

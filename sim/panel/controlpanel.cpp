@@ -7,6 +7,7 @@
 #include "gdata.h"
 #include "simulatedcamera.h"
 #include "simulatedworld.h"
+#include "updateserver.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -91,10 +92,12 @@ QString subjectOf(const QString &path)
 
 } // namespace
 
-ControlPanel::ControlPanel(AnalysisServer *analysisServer, CloudPrintServer *cloudPrintServer, QWidget *parent)
+ControlPanel::ControlPanel(AnalysisServer *analysisServer, CloudPrintServer *cloudPrintServer,
+                           UpdateServer *updateServer, QWidget *parent)
     : QWidget(parent)
     , m_analysisServer(analysisServer)
     , m_cloudPrintServer(cloudPrintServer)
+    , m_updateServer(updateServer)
 {
     setWindowTitle(QStringLiteral("Orvella simulator"));
     // A desktop tool: the device's large touch-screen font does not suit it.
@@ -140,6 +143,7 @@ ControlPanel::ControlPanel(AnalysisServer *analysisServer, CloudPrintServer *clo
 
     addAnalysisGroup(servers);
     addMailGroup(servers);
+    addUpdateGroup(servers);
     servers->addStretch();
     // The paper has a column of its own: a receipt is long.
     auto *printers = new QVBoxLayout;
@@ -192,6 +196,35 @@ QSlider *ControlPanel::addSlider(QFormLayout *form, const QString &label, int mi
     rowLayout->addWidget(shown);
     form->addRow(label, row);
     return slider;
+}
+
+void ControlPanel::addUpdateGroup(QLayout *layout)
+{
+    auto *group = new QGroupBox(QStringLiteral("Update server"), this);
+    auto *form = new QFormLayout(group);
+    layout->addWidget(group);
+    group->setEnabled(m_updateServer != nullptr);
+    if (!m_updateServer)
+        return;
+    auto *newest = new QComboBox(group);
+    newest->setObjectName(QStringLiteral("comboUpdateNewest"));
+    newest->addItems(m_updateServer->versions());
+    newest->setCurrentText(m_updateServer->newest());
+    connect(newest, &QComboBox::currentTextChanged, this,
+            [this](const QString &version) { m_updateServer->setNewest(version); });
+    form->addRow(QStringLiteral("Offers as newest"), newest);
+    auto *fault = new QComboBox(group);
+    fault->setObjectName(QStringLiteral("comboUpdateFault"));
+    for (int i = 0; i < UpdateServer::kFaultCount; ++i)
+        fault->addItem(UpdateServer::faultName(static_cast<UpdateServer::Fault>(i)));
+    fault->setCurrentIndex(static_cast<int>(m_updateServer->fault()));
+    connect(fault, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            [this](int index) { m_updateServer->setFault(static_cast<UpdateServer::Fault>(index)); });
+    form->addRow(QStringLiteral("Fault"), fault);
+    m_updateRequest = new QLabel(group);
+    m_updateRequest->setObjectName(QStringLiteral("labelUpdateRequest"));
+    m_updateRequest->setWordWrap(true);
+    form->addRow(QStringLiteral("Last request"), m_updateRequest);
 }
 
 void ControlPanel::addAnalysisGroup(QLayout *layout)
@@ -400,6 +433,8 @@ void ControlPanel::refreshReadouts()
         m_analysisRequests->setText(QString::number(m_analysisServer->requestCount()));
     else
         m_analysisRequests->setText(QStringLiteral("server not running"));
+    if (m_updateRequest)
+        m_updateRequest->setText(m_updateServer->lastRequest());
     if (!g_pData)
         return;
     const int mode = g_pData->m_nCameraMode;

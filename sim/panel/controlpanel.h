@@ -7,6 +7,7 @@
 
 class AnalysisServer;
 class CloudPrintServer;
+class UpdateServer;
 class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
@@ -24,7 +25,7 @@ class ControlPanel : public QWidget
 public:
     // Without an analysis server its group sets only the refraction.
     explicit ControlPanel(AnalysisServer *analysisServer = nullptr, CloudPrintServer *cloudPrintServer = nullptr,
-                          QWidget *parent = nullptr);
+                          UpdateServer *updateServer = nullptr, QWidget *parent = nullptr);
 
     // The child at the working distance, the device level, a dim room.
     void aimWell();
@@ -34,6 +35,7 @@ private:
                        const QString &unit, void (*apply)(int));
     void addAnalysisGroup(QLayout *layout);
     void addMailGroup(QLayout *layout);
+    void addUpdateGroup(QLayout *layout);
     void addPrinterGroup(QLayout *layout);
     void refreshPrinters();
     void refreshMail();
@@ -65,6 +67,10 @@ private:
     QComboBox *m_cloudFault = nullptr;
     QLabel *m_cloudRequests = nullptr;
     QLabel *m_cloudTicket = nullptr;
+
+    // The version the update server offers, its faults and its last request.
+    UpdateServer *m_updateServer = nullptr;
+    QLabel *m_updateRequest = nullptr;
 
     // The maildir that scripts/simulate gives the simulator's mail server.
     QString m_mailDir;

@@ -6,6 +6,7 @@
 #include "cloudprintserver.h"
 #include "gdata.h"
 #include "simulatedworld.h"
+#include "updateserver.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemModel>
@@ -13,6 +14,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -38,7 +40,7 @@ void setScene(int distanceMm, int pitch, int ambient)
 
 } // namespace
 
-ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, QObject *parent)
+ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Boot boot, QObject *parent)
     : QObject(parent)
     , m_device(device)
     , m_screensDir(screensDir)
@@ -56,6 +58,43 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
             return pages && pages->isVisible() && pages->currentWidget()->objectName() == QLatin1String(name);
         };
     };
+    m_timer.setInterval(100);
+    connect(&m_timer, &QTimer::timeout, this, &ScriptedOperator::tick);
+    // Message boxes are answered by a timer of their own: a step that opened
+    // one is still running inside the step timer, which does not fire again
+    // until that step returns.
+    m_answerTimer.setInterval(100);
+    connect(&m_answerTimer, &QTimer::timeout, this, &ScriptedOperator::answerMessageBox);
+
+    // The menu pages show once the device has found its Wi-Fi network.
+    const auto menuShown = [base] {
+        return base()->currentIndex() == 1;
+    };
+    if (boot == Boot::AfterUpdate) {
+        m_steps.push_back({QStringLiteral("waits for the device to come up after the update"), menuShown,
+                           [this] { say(QStringLiteral("the device restarted after the update")); }, 500, 30000});
+        addVersionCheck(QStringLiteral("after the update"), QStringLiteral("40-machine-id-after-update"));
+        m_steps.push_back({QStringLiteral("publishes a broken version"), [] { return true; },
+                           [this] {
+                               click("buttonMachineIDReturn");
+                               if (m_updateServer)
+                                   m_updateServer->setNewest(QStringLiteral("0.0.3"));
+                               say(QStringLiteral("the update server now offers 0.0.3, a build that dies at start"));
+                           },
+                           300});
+        addUpdate(QStringLiteral("installing-broken"), QStringLiteral("41-broken-update-offered"));
+        addFinish();
+        return;
+    }
+    if (boot == Boot::AfterBrokenUpdate) {
+        m_steps.push_back({QStringLiteral("waits for the device to come up after the broken update"), menuShown,
+                           [this] { say(QStringLiteral("the device came up again after the broken update")); }, 500,
+                           30000});
+        addVersionCheck(QStringLiteral("after the rollback"), QStringLiteral("50-machine-id-after-rollback"));
+        addFinish();
+        return;
+    }
+
     m_steps = {
         // The camera's warm-up recording runs for its first six seconds;
         // a screening started before it ends would be cut short by it.
@@ -143,6 +182,65 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
                        },
                        300});
     addProvisioning();
+    addVersionCheck(QStringLiteral("before the update"), QStringLiteral("30-machine-id"));
+    m_steps.push_back({QStringLiteral("goes back to the settings page"), [] { return true; },
+                       [this] { click("buttonMachineIDReturn"); }, 300});
+    addUpdate(QStringLiteral("installing-update"), QStringLiteral("31-update-offered"));
+    addFinish();
+    (void)onResultPage;
+}
+
+void ScriptedOperator::addVersionCheck(const QString &what, const QString &screen)
+{
+    m_steps.push_back({QStringLiteral("opens the machine identity page"), [] { return true; },
+                       [this] {
+                           click("buttonSetup");
+                           click("buttonMachineIDSetting");
+                       },
+                       500});
+    m_steps.push_back({QStringLiteral("reads the version on the machine identity page"), [] { return true; },
+                       [this, what, screen] {
+                           auto *label = m_device->findChild<QLabel *>(QStringLiteral("labelMachineVersionValue"));
+                           say(QStringLiteral("machine identity page %1 shows version %2: ")
+                                   .arg(what, label ? label->text() : QStringLiteral("(no label)")) +
+                               screenshot(screen));
+                       },
+                       300});
+}
+
+void ScriptedOperator::addUpdate(const QString &note, const QString &screen)
+{
+    // The device asks the server by itself once the network is up; the
+    // update button is marked when it found a new version.
+    m_steps.push_back({QStringLiteral("sees whether the update button is marked"), [] { return true; },
+                       [this, screen] {
+                           click("buttonSetup");
+                           auto *button = m_device->findChild<QAbstractButton *>(QStringLiteral("buttonUpdate"));
+                           const bool marked = button && !button->styleSheet().isEmpty();
+                           say(QStringLiteral("settings page, the update button is %1: ")
+                                   .arg(QLatin1String(marked ? "marked as new" : "plain")) +
+                               screenshot(screen));
+                       },
+                       300});
+    m_steps.push_back(
+        {QStringLiteral("presses System Update"), [] { return true; },
+         [this, note] {
+             const int before = m_answers.size();
+             // Noted before the press: a successful update
+             // restarts the device inside it.
+             QFile notes(m_notesFile);
+             if (notes.open(QIODevice::Append))
+                 notes.write((note + QLatin1Char('\n')).toUtf8());
+             notes.close();
+             say(QStringLiteral("pressed System Update"));
+             click("buttonUpdate");
+             say(QStringLiteral("the update answered: %1").arg(m_answers.mid(before).join(QStringLiteral(" | "))));
+         },
+         300});
+}
+
+void ScriptedOperator::addFinish()
+{
     m_steps.push_back({QStringLiteral("finishes"), [] { return true; },
                        [this] {
                            say(QStringLiteral("message boxes answered: %1").arg(m_answers.join(QStringLiteral(" | "))));
@@ -150,14 +248,6 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, Q
                            QCoreApplication::exit(0);
                        },
                        0});
-    (void)onResultPage;
-    m_timer.setInterval(100);
-    connect(&m_timer, &QTimer::timeout, this, &ScriptedOperator::tick);
-    // Message boxes are answered by a timer of their own: a step that opened
-    // one is still running inside the step timer, which does not fire again
-    // until that step returns.
-    m_answerTimer.setInterval(100);
-    connect(&m_answerTimer, &QTimer::timeout, this, &ScriptedOperator::answerMessageBox);
 }
 
 ScriptedOperator::~ScriptedOperator()

@@ -14,6 +14,7 @@
 
 class CloudPrintServer;
 class QProcess;
+class UpdateServer;
 class QWidget;
 
 // Each step runs when its condition holds (checked every 100 ms, for at
@@ -24,7 +25,14 @@ class ScriptedOperator : public QObject
     Q_OBJECT
 
 public:
-    ScriptedOperator(QWidget *device, const QString &screensDir, QObject *parent = nullptr);
+    // Which of the simulated device's boots this is, as the tester's notes
+    // tell: the first runs the whole session and then installs the next
+    // version; after that update the tester checks the version and installs
+    // a broken one; after the broken one has been rolled back it checks the
+    // version once more and ends the run.
+    enum class Boot { First, AfterUpdate, AfterBrokenUpdate };
+
+    ScriptedOperator(QWidget *device, const QString &screensDir, Boot boot = Boot::First, QObject *parent = nullptr);
     ~ScriptedOperator() override;
 
     void start();
@@ -33,6 +41,13 @@ public:
     // simulated Bluetooth printer leaves its receipts.
     void setCloudPrintServer(CloudPrintServer *server) { m_cloudPrintServer = server; }
     void setPrinterDir(const QString &dir) { m_printerDir = dir; }
+    // The simulated update server, and the file where the tester notes an
+    // update before the device restarts into it.
+    void setUpdateServer(UpdateServer *server, const QString &notesFile)
+    {
+        m_updateServer = server;
+        m_notesFile = notesFile;
+    }
 
 private:
     struct Step
@@ -58,6 +73,12 @@ private:
     void chooseFromScanList(QWidget *list);
     // Types m_typing on the on-screen keyboard and closes it.
     void typeOnKeypad(QWidget *keypad);
+    // Opens the settings page, presses "System Update" and accepts what it
+    // offers, noting `note` first: the device restarts when it succeeds.
+    void addUpdate(const QString &note, const QString &screen);
+    // Reads the version on the machine identity page.
+    void addVersionCheck(const QString &what, const QString &screen);
+    void addFinish();
     QStringList receiptPictures() const;
     void answerMessageBox();
     QStringList historyRows() const;
@@ -83,6 +104,8 @@ private:
     bool m_acting = false;
     int m_answersBeforeExport = 0;
     CloudPrintServer *m_cloudPrintServer = nullptr;
+    UpdateServer *m_updateServer = nullptr;
+    QString m_notesFile;
     QString m_printerDir;
     QElapsedTimer m_listShown;
     QString m_typing;

@@ -4,7 +4,8 @@
 // The simulator puts links named wpa_cli, udhcpc, rmmod, poweroff, reboot,
 // bluetoothctl and rfcomm first on PATH. Their state lives under
 // $ORVELLA_SIM_DIR, never on the host: poweroff and reboot end the simulated
-// device (the pid in device.pid), rfcomm binds the printer's port at the
+// device (the pid in device.pid), reboot leaving reboot-requested for
+// scripts/simulate to start it again, rfcomm binds the printer's port at the
 // path of the deployment file's devices/printer_serial (else sys/rfcomm0),
 // and every call is appended to commands.log so that tests can see what ran.
 #include "bluetoothworld.h"
@@ -167,7 +168,14 @@ int main(int argc, char *argv[])
         return wpaCli(args);
     if (name == QLatin1String("udhcpc"))
         return udhcpc(args);
-    if (name == QLatin1String("poweroff") || name == QLatin1String("reboot"))
+    if (name == QLatin1String("reboot")) {
+        // scripts/simulate boots the device again when it finds this.
+        QFile request(s_stateDir + QStringLiteral("/reboot-requested"));
+        if (request.open(QIODevice::WriteOnly))
+            request.close();
+        return endDevice(name);
+    }
+    if (name == QLatin1String("poweroff"))
         return endDevice(name);
     if (name == QLatin1String("bluetoothctl"))
         return sim::runBluetoothctl(s_stateDir + QStringLiteral("/bluetooth"), STDIN_FILENO);
