@@ -279,7 +279,7 @@ void ScriptedOperator::addProvisioning()
         {QStringLiteral("reads the PIN off the Wi-Fi page"), [pinShown] { return !pinShown().isEmpty(); },
          [this, label, pinShown, ssid] {
              say(QStringLiteral("Wi-Fi page shows \"%1\": ").arg(label("labelProvisioning")) +
-                 screenshot(QStringLiteral("30-provisioning-open")));
+                 screenshot(QStringLiteral("25-provisioning-open")));
              m_provisionClient = std::make_unique<QProcess>();
              m_provisionClient->setProcessChannelMode(QProcess::MergedChannels);
              // The client finds the address and ports in the deployment file
@@ -311,7 +311,7 @@ void ScriptedOperator::addProvisioning()
          },
          [this, label, ssid] {
              say(QStringLiteral("Wi-Fi page: \"%1\", connected to %2: ").arg(label("labelProvisioningActivity"), ssid) +
-                 screenshot(QStringLiteral("31-provisioning-connected")));
+                 screenshot(QStringLiteral("26-provisioning-connected")));
              click("buttonProvisioning");
              say(QStringLiteral("switched phone setup off; the page shows \"%1\"").arg(label("labelProvisioning")));
          },
