@@ -3,6 +3,7 @@
 #include "analysisserver.h"
 
 #include "avireader.h"
+#include "localhttpserver.h"
 
 #include <QByteArray>
 #include <QDebug>
@@ -12,11 +13,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
 #include <mutex>
-#include <thread>
-
-#include <sys/socket.h>
 
 namespace {
 
@@ -39,8 +36,7 @@ const char *const kFaultNames[AnalysisServer::kFaultCount] = {
 
 struct AnalysisServer::Private
 {
-    std::unique_ptr<httplib::Server> server;
-    std::thread thread;
+    LocalHttpServer http;
 
     mutable std::mutex mutex; // guards the settings and lastUpload
     Fault fault = Fault::None;
@@ -50,17 +46,7 @@ struct AnalysisServer::Private
     Upload lastUpload;
     std::atomic<int> requests{0};
 
-    // Lets stop() cut short a silence or a slow answer.
-    std::mutex waitMutex;
-    std::condition_variable waitCondition;
-    bool stopping = false;
-
-    // False when the server is stopping.
-    bool pause(int milliseconds)
-    {
-        std::unique_lock<std::mutex> lock(waitMutex);
-        return !waitCondition.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stopping; });
-    }
+    bool pause(int milliseconds) { return http.pause(milliseconds); }
 
     void handleUpload(const httplib::Request &request, httplib::Response &response);
     void answer(httplib::Response &response, Fault chosen, const QString &line, Upload &seen);
@@ -90,7 +76,7 @@ AnalysisServer::~AnalysisServer()
 
 bool AnalysisServer::start(const QString &address, int port)
 {
-    if (d->server)
+    if (d->http.isRunning())
         return false;
     const QHostAddress host(address);
     if (host.isNull() || !host.isLoopback()) {
@@ -98,15 +84,7 @@ bool AnalysisServer::start(const QString &address, int port)
         return false;
     }
 
-    auto server = std::make_unique<httplib::Server>();
-    // cpp-httplib's default adds SO_REUSEPORT, with which a second server on
-    // the same address and port would share the requests instead of failing.
-    server->set_socket_options([](int socket) {
-        const int yes = 1;
-        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
-    // A connection left open by the client would otherwise hold stop() up.
-    server->set_keep_alive_timeout(1);
+    httplib::Server *server = &d->http.routes();
     server->set_pre_routing_handler([this](const httplib::Request &, httplib::Response &) {
         ++d->requests;
         return httplib::Server::HandlerResponse::Unhandled;
@@ -122,37 +100,17 @@ bool AnalysisServer::start(const QString &address, int port)
     server->Post(".*", notFound);
     server->Get(".*", notFound);
 
-    if (!server->bind_to_port(address.toStdString(), port)) {
-        qDebug("AnalysisServer cannot listen on [%s:%d]", qPrintable(address), port);
-        return false;
-    }
-    {
-        std::lock_guard<std::mutex> lock(d->waitMutex);
-        d->stopping = false;
-    }
-    d->server = std::move(server);
-    d->thread = std::thread([this] { d->server->listen_after_bind(); });
-    qDebug("AnalysisServer listening on [%s:%d]", qPrintable(address), port);
-    return true;
+    return d->http.start(address, port, "AnalysisServer");
 }
 
 void AnalysisServer::stop()
 {
-    if (!d->server)
-        return;
-    {
-        std::lock_guard<std::mutex> lock(d->waitMutex);
-        d->stopping = true;
-    }
-    d->waitCondition.notify_all();
-    d->server->stop();
-    d->thread.join();
-    d->server.reset();
+    d->http.stop();
 }
 
 bool AnalysisServer::isRunning() const
 {
-    return d->server != nullptr;
+    return d->http.isRunning();
 }
 
 void AnalysisServer::setFault(Fault fault)

@@ -2,6 +2,8 @@
 // The simulated cloud printing service: checks the signed form, keeps the ticket, answers in JSON.
 #include "cloudprintserver.h"
 
+#include "localhttpserver.h"
+
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDebug>
@@ -10,11 +12,7 @@
 #include <httplib.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <mutex>
-#include <thread>
-
-#include <sys/socket.h>
 
 namespace {
 
@@ -41,8 +39,7 @@ QString errorObject(int code, const QString &message)
 
 struct CloudPrintServer::Private
 {
-    std::unique_ptr<httplib::Server> server;
-    std::thread thread;
+    LocalHttpServer http;
 
     mutable std::mutex mutex; // guards everything below but the waits
     Fault fault = Fault::None;
@@ -53,15 +50,7 @@ struct CloudPrintServer::Private
     int accepted = 0;
     std::atomic<int> requests{0};
 
-    std::mutex waitMutex;
-    std::condition_variable waitCondition;
-    bool stopping = false;
-
-    bool pause(int milliseconds)
-    {
-        std::unique_lock<std::mutex> lock(waitMutex);
-        return !waitCondition.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stopping; });
-    }
+    bool pause(int milliseconds) { return http.pause(milliseconds); }
 
     void handle(const httplib::Request &request, httplib::Response &response);
     QString judge(Request &seen);
@@ -85,7 +74,7 @@ CloudPrintServer::~CloudPrintServer()
 
 bool CloudPrintServer::start(const QString &hostAndPort)
 {
-    if (d->server)
+    if (d->http.isRunning())
         return false;
     const QString address = hostAndPort.section(QLatin1Char(':'), 0, 0);
     bool portOk = false;
@@ -95,46 +84,21 @@ bool CloudPrintServer::start(const QString &hostAndPort)
         qDebug("CloudPrintServer [%s] is not a loopback address and port: not started", qPrintable(hostAndPort));
         return false;
     }
-    auto server = std::make_unique<httplib::Server>();
-    server->set_socket_options([](int socket) {
-        const int yes = 1;
-        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
-    server->set_keep_alive_timeout(1);
+    httplib::Server *server = &d->http.routes();
     server->Post("/apisc/sendMsg", [this](const httplib::Request &request, httplib::Response &response) {
         d->handle(request, response);
     });
-    if (!server->bind_to_port(address.toStdString(), port)) {
-        qDebug("CloudPrintServer cannot listen on [%s]", qPrintable(hostAndPort));
-        return false;
-    }
-    {
-        std::lock_guard<std::mutex> lock(d->waitMutex);
-        d->stopping = false;
-    }
-    d->server = std::move(server);
-    d->thread = std::thread([this] { d->server->listen_after_bind(); });
-    qDebug("CloudPrintServer listening on [%s]", qPrintable(hostAndPort));
-    return true;
+    return d->http.start(address, port, "CloudPrintServer");
 }
 
 void CloudPrintServer::stop()
 {
-    if (!d->server)
-        return;
-    {
-        std::lock_guard<std::mutex> lock(d->waitMutex);
-        d->stopping = true;
-    }
-    d->waitCondition.notify_all();
-    d->server->stop();
-    d->thread.join();
-    d->server.reset();
+    d->http.stop();
 }
 
 bool CloudPrintServer::isRunning() const
 {
-    return d->server != nullptr;
+    return d->http.isRunning();
 }
 
 void CloudPrintServer::setFault(Fault fault)

@@ -2,6 +2,7 @@
 // The simulated update server: the channel's folders per region, the version files and the firmware.
 #include "updateserver.h"
 
+#include "localhttpserver.h"
 #include "region.h"
 
 #include <QCryptographicHash>
@@ -14,12 +15,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
 #include <mutex>
-#include <thread>
 #include <vector>
-
-#include <sys/socket.h>
 
 namespace {
 
@@ -49,8 +46,7 @@ struct UpdateServer::Private
         bool made = false;
     };
 
-    std::unique_ptr<httplib::Server> server;
-    std::thread thread;
+    LocalHttpServer http;
 
     mutable std::mutex mutex; // guards everything below but the waits
     std::vector<Version> versions;
@@ -61,15 +57,7 @@ struct UpdateServer::Private
     QString lastRequest;
     std::atomic<int> requests{0};
 
-    std::mutex waitMutex;
-    std::condition_variable waitCondition;
-    bool stopping = false;
-
-    bool pause(int milliseconds)
-    {
-        std::unique_lock<std::mutex> lock(waitMutex);
-        return !waitCondition.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stopping; });
-    }
+    bool pause(int milliseconds) { return http.pause(milliseconds); }
 
     // With the mutex held.
     Version *find(const QString &name)
@@ -123,7 +111,7 @@ UpdateServer::~UpdateServer()
 
 bool UpdateServer::start(const QString &baseUrl)
 {
-    if (d->server)
+    if (d->http.isRunning())
         return false;
     const QUrl url(baseUrl);
     const QHostAddress host(url.host());
@@ -133,49 +121,20 @@ bool UpdateServer::start(const QString &baseUrl)
     }
     const int port = url.port(80);
 
-    auto server = std::make_unique<httplib::Server>();
-    server->set_socket_options([](int socket) {
-        const int yes = 1;
-        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
-    server->set_keep_alive_timeout(1);
+    httplib::Server *server = &d->http.routes();
     server->Get(".*",
                 [this](const httplib::Request &request, httplib::Response &response) { d->handle(request, response); });
-    if (!server->bind_to_port(url.host().toStdString(), port)) {
-        qDebug("UpdateServer cannot listen on [%s:%d]", qPrintable(url.host()), port);
-        return false;
-    }
-    {
-        std::lock_guard<std::mutex> lock(d->waitMutex);
-        d->stopping = false;
-    }
-    d->server = std::move(server);
-    d->thread = std::thread([this] { d->server->listen_after_bind(); });
-    // A stop() before the thread listens would be lost, and the join would
-    // wait for ever: start() returns once the server runs (or gives up).
-    for (int waited = 0; !d->server->is_running() && waited < 2000; waited += 5)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    qDebug("UpdateServer listening on [%s:%d]", qPrintable(url.host()), port);
-    return true;
+    return d->http.start(url.host(), port, "UpdateServer");
 }
 
 void UpdateServer::stop()
 {
-    if (!d->server)
-        return;
-    {
-        std::lock_guard<std::mutex> lock(d->waitMutex);
-        d->stopping = true;
-    }
-    d->waitCondition.notify_all();
-    d->server->stop();
-    d->thread.join();
-    d->server.reset();
+    d->http.stop();
 }
 
 bool UpdateServer::isRunning() const
 {
-    return d->server != nullptr;
+    return d->http.isRunning();
 }
 
 void UpdateServer::publish(const QString &version, Maker firmware, const QString &note)
