@@ -27,6 +27,7 @@
 #include <QScrollArea>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTextCodec>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -105,14 +106,17 @@ ControlPanel::ControlPanel(AnalysisServer *analysisServer, CloudPrintServer *clo
     desktop.setPixelSize(14);
     setFont(desktop);
     setObjectName(QStringLiteral("ControlPanel"));
-    // Two columns, so the panel fits beside the device on a laptop screen:
-    // the scene and what the device made of it on the left, the servers
-    // and faults on the right.
+    // The scene and what the device made of it stay in view on the left;
+    // the servers and the printers share the right column as tabs, so that
+    // the panel fits beside the 1024-pixel device on a 1920-pixel screen.
     auto *columns = new QHBoxLayout(this);
     auto *layout = new QVBoxLayout;
-    auto *servers = new QVBoxLayout;
     columns->addLayout(layout);
-    columns->addLayout(servers);
+    auto *tabs = new QTabWidget(this);
+    columns->addWidget(tabs);
+    auto *serversPage = new QWidget(tabs);
+    auto *servers = new QVBoxLayout(serversPage);
+    tabs->addTab(serversPage, QStringLiteral("Servers and faults"));
 
     auto *scene = new QGroupBox(QStringLiteral("In front of the device"), this);
     auto *sceneLayout = new QFormLayout(scene);
@@ -145,9 +149,9 @@ ControlPanel::ControlPanel(AnalysisServer *analysisServer, CloudPrintServer *clo
     addMailGroup(servers);
     addUpdateGroup(servers);
     servers->addStretch();
-    // The paper has a column of its own: a receipt is long.
-    auto *printers = new QVBoxLayout;
-    columns->addLayout(printers);
+    auto *printersPage = new QWidget(tabs);
+    auto *printers = new QVBoxLayout(printersPage);
+    tabs->addTab(printersPage, QStringLiteral("Printers"));
     addPrinterGroup(printers);
 
     auto *aim = new QPushButton(QStringLiteral("Aim well"), this);

@@ -14,7 +14,10 @@
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
+#include <QScreen>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace {
 
@@ -115,5 +118,12 @@ void startSimulatorTools(QWidget *device)
     auto *panel = new ControlPanel(server, cloud, update);
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->show();
-    panel->move(device->frameGeometry().right() + 16, device->frameGeometry().top());
+    // Side by side, the pair centred on the device's screen: a centred
+    // device alone would push the panel off a 1920-pixel screen.
+    const QRect screen = device->screen()->availableGeometry();
+    const int gap = 16;
+    const int width = device->frameGeometry().width() + gap + panel->frameGeometry().width();
+    const int left = screen.left() + std::max(0, (screen.width() - width) / 2);
+    device->move(left, device->frameGeometry().top());
+    panel->move(left + device->frameGeometry().width() + gap, device->frameGeometry().top());
 }
