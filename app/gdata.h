@@ -384,6 +384,8 @@ private:
     // Fetches and reads a description; the result as versionCheck gives it.
     int fetchVersionDescription(const QString &file, bool compareVersion, int timeoutSeconds,
                                 firmwareupdate::Description &description);
+    // Fetches a description and makes its file, size and MD5 the next download.
+    int adoptVersionDescription(const QString &file, bool compareVersion);
 
     BtPrinterManager *m_pBtPrinterManager = nullptr;
     // Monotonic milliseconds of the last background check; 0 before the first.

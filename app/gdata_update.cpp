@@ -70,21 +70,18 @@ int GData::versionCheck()
     const QString versionFile = channel.isEmpty() ? QStringLiteral("version.txt")
                                                   : QStringLiteral("version_") + channel + QStringLiteral(".txt");
     qDebug("versionFile: %s", versionFile.toLocal8Bit().constData());
-    firmwareupdate::Description description;
-    const int result = fetchVersionDescription(versionFile, true, 60, description);
-    if (result <= 0)
-        return result;
-    m_strNewVerFile = description.file;
-    m_nNewVerSize = description.size;
-    m_strNewVerMD5 = description.md5;
-    qDebug("m_strNewVerMD5: [%s]", m_strNewVerMD5.toLocal8Bit().constData());
-    return 1;
+    return adoptVersionDescription(versionFile, true);
 }
 
 int GData::versionCheck(const QString &file)
 {
+    return adoptVersionDescription(file, false);
+}
+
+int GData::adoptVersionDescription(const QString &file, bool compareVersion)
+{
     firmwareupdate::Description description;
-    const int result = fetchVersionDescription(file, false, 60, description);
+    const int result = fetchVersionDescription(file, compareVersion, 60, description);
     if (result <= 0)
         return result;
     m_strNewVerFile = description.file;
