@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// The device settings: 21 texts kept as one "|"-joined line in CAMCFG/config.txt.
+// The device settings: 22 texts kept as one "|"-joined line in CAMCFG/config.txt.
 #include "camcfg.h"
 
 #include "atomicfile.h"
@@ -35,6 +35,7 @@ QString CamCfg::defaultValue(int position)
     case DistanceOffset: return QStringLiteral("0");
     case EmailReporting: return QStringLiteral("0");
     case EmailAddress: return QStringLiteral("Please Input Email");
+    case ReportAttachments: return QStringLiteral("html");
     default: return QString();
     }
 }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// The device settings: 21 texts kept as one "|"-joined line in CAMCFG/config.txt.
+// The device settings: 22 texts kept as one "|"-joined line in CAMCFG/config.txt.
 #pragma once
 
 #include <QString>
 
 #include <array>
 
-// Settings are known by position, 1 to 21. Every operation answers with a
+// Settings are known by position, 1 to 22. Every operation answers with a
 // text, as the settings pages expect: "1"/"0" for success of a save, "1"/""
 // for whether a parse had to fill in defaults.
 class CamCfg
@@ -34,8 +34,11 @@ public:
         DistanceOffset = 19,
         EmailReporting = 20,
         EmailAddress = 21,
+        // What the history export mails besides its HTML table: "html", then
+        // ",csv", ",pdf" and ",fhir" for each file switched on.
+        ReportAttachments = 22,
     };
-    static constexpr int kPositions = 21;
+    static constexpr int kPositions = 22;
 
     static QString defaultValue(int position);
 
@@ -47,7 +50,7 @@ public:
     QString rawText() const { return m_strRaw; }
     void setRawText(const QString &text) { m_strRaw = text; }
 
-    // 1-based; positions outside 1..21 read as empty and are not stored.
+    // 1-based; positions outside 1..22 read as empty and are not stored.
     QString value(int position) const;
     void setValue(int position, const QString &text);
 

@@ -40,6 +40,8 @@ void CameraThread::run()
             if (data->m_nCameraMode == 2 && data->m_nFrameWord % 2 == 1) {
                 if (data->RAW2H264() == 0)
                     data->H264Enqueue();
+                data->m_pupilPhoto.offer(static_cast<const uint8_t *>(data->m_pFrame), GData::kCameraWidth,
+                                         GData::kCameraHeight);
             }
             // A preview prepared on one multiple of three is announced on
             // the next, so the display buffer is complete when the GUI reads it.

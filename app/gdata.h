@@ -4,6 +4,7 @@
 
 #include "deviceset.h"
 #include "historyrecord.h"
+#include "pupilphoto.h"
 #include "sensorcalibration.h"
 
 #include <QDate>
@@ -379,6 +380,31 @@ public:
 
     // The history export waiting for the mailer: the file that holds it.
     QString m_strReportFile;
+
+    // Clinic records; see gdata_records.cpp.
+    // The capture thread offers it the recording's flash frames; saving a
+    // test keeps the best as the test's photo.
+    PupilPhotoPicker m_pupilPhoto;
+    // The folder of the tests' pupil photos, beside the history.
+    QString photoDir() const;
+    // The photo of a child's test (whether it exists or not).
+    QString photoPath(const QString &key, const QString &testTime) const;
+    // Keeps the best frame of the last recording as the photo of the test
+    // this history line records; nothing when the recording gave no frame.
+    void savePupilPhoto(const QString &line);
+    // Removes the photos of the lines that deleting these keys removes from the history.
+    void deletePhotos(const QString &history, const QStringList &keys);
+    // Writes the history export of these children: the HTML table, and the
+    // CSV, parent letters and health-record bundle the settings ask for,
+    // into the folder beside the recording; copies them to a USB drive when
+    // one is in. False when the HTML cannot be written (nothing to send).
+    bool prepareHistoryExport(const QStringList &keys);
+    // The files of the export after the HTML, for the report mail.
+    QStringList m_strReportExtras;
+    // Where prepareHistoryExport copied the export; empty when no drive
+    // was in, or the copy failed (m_strUsbExportError says why).
+    QString m_strUsbExportDir;
+    QString m_strUsbExportError;
 
 private:
     // Fetches and reads a description; the result as versionCheck gives it.

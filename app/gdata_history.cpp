@@ -42,6 +42,7 @@ void GData::saveTestResult()
     if (file.flush())
         ::fdatasync(file.handle());
     file.close();
+    savePupilPhoto(line);
 }
 
 historyrecord::Test GData::currentTest() const

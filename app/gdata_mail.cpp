@@ -72,6 +72,16 @@ QString GData::smtpSendReport()
     message.body = QString::fromUtf8(html);
     message.bodyType = "text/html";
     message.attachments.append({m_strReportFile, QFileInfo(m_strReportFile).fileName(), "text/html; charset=utf-8"});
+    for (const QString &extra : m_strReportExtras) {
+        QByteArray type = "application/octet-stream";
+        if (extra.endsWith(QLatin1String(".csv")))
+            type = "text/csv; charset=utf-8; header=present";
+        else if (extra.endsWith(QLatin1String(".pdf")))
+            type = "application/pdf";
+        else if (extra.endsWith(QLatin1String(".json")))
+            type = "application/fhir+json";
+        message.attachments.append({extra, QFileInfo(extra).fileName(), type});
+    }
     return sendMail(*this, message, "smtpSendReport");
 }
 

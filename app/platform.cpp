@@ -36,6 +36,7 @@ const StringKey kStringKeys[] = {
     {"paths/recording", &Platform::recordingFile},
     {"paths/camera_retry", &Platform::cameraRetryFile},
     {"paths/startup_script", &Platform::startupScript},
+    {"paths/removable_media", &Platform::removableMedia},
     {"servers/analysis_default", &Platform::analysisDefaultServer},
     {"servers/analysis_us", &Platform::analysisHostUs},
     {"servers/analysis_india", &Platform::analysisHostIndia},
@@ -55,6 +56,7 @@ const StringKey kStringKeys[] = {
 };
 
 const IntKey kIntKeys[] = {
+    {"paths/removable_media_mounted_only", &Platform::removableMediaMountedOnly},
     {"servers/analysis_port", &Platform::analysisPort},
     {"servers/time_port", &Platform::timePort},
     {"servers/mail_port", &Platform::mailPort},

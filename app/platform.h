@@ -32,6 +32,11 @@ struct Platform
     QString recordingFile = QStringLiteral("/tmp/pupil_video.avi");
     QString cameraRetryFile = QStringLiteral("/tmp/camera.txt");
     QString startupScript = QStringLiteral("/root/appstart.sh");
+    // Where a USB drive appears; history exports are copied there when one
+    // is in. On the device the folder exists without a drive, so only a
+    // mounted file system there counts; the simulator's folder is the drive.
+    QString removableMedia = QStringLiteral("/media/usb");
+    int removableMediaMountedOnly = 1;
 
     // Servers. Host names are placeholders of the reserved .example domain
     // until a deployment names the real ones; the time server is the public

@@ -2,6 +2,7 @@
 // The history page's reading of the history file: child keys, search, deletion, the HTML export, one child's tests.
 #include "historysearch.h"
 
+#include <QCryptographicHash>
 #include <QHashFunctions>
 #include <QLocale>
 #include <QRegularExpression>
@@ -166,11 +167,21 @@ QString withoutKeys(const QString &history, const QStringList &keys)
     return kept;
 }
 
-QString exportHtml(const QString &history, const QStringList &keys, int *rows)
+QStringList linesWithKeys(const QString &history, const QStringList &keys)
 {
     const KeyPrefixes selected(keys);
-    QString html = QLatin1String(kTableStart) + QLatin1String(kHeaderRow);
-    int count = 0;
+    QStringList lines;
+    forEachLine(history, [&](QStringView line) {
+        if (selected.startsAny(line))
+            lines << line.toString();
+    });
+    return lines;
+}
+
+QVector<ExportedTest> exportedTests(const QString &history, const QStringList &keys)
+{
+    const KeyPrefixes selected(keys);
+    QVector<ExportedTest> tests;
     forEachLine(history, [&](QStringView line) {
         if (!selected.startsAny(line))
             return;
@@ -178,32 +189,61 @@ QString exportHtml(const QString &history, const QStringList &keys, int *rows)
         if (halves.size() != 2)
             return;
         const QStringList person = halves.at(0).split(QLatin1Char(','));
-        const QStringList values = halves.at(1).split(QLatin1Char(','));
+        QStringList values = halves.at(1).split(QLatin1Char(','));
         if (person.size() != 3 || values.size() > kValuesPerTest)
             return;
-        html += QLatin1String("<tr>");
-        for (const QString &field : person)
-            appendCell(html, field);
-        for (int i = 0; i < kValuesPerTest; ++i)
-            appendCell(html, i < values.size() ? values.at(i) : QString::fromLatin1(kMissing));
-        html += QLatin1String("</tr>");
-        ++count;
+        while (values.size() < kValuesPerTest)
+            values << QString::fromLatin1(kMissing);
+        tests.append({person.at(0), person.at(1), person.at(2), values});
     });
+    return tests;
+}
+
+QString exportHtml(const QString &history, const QStringList &keys, int *rows)
+{
+    const QVector<ExportedTest> tests = exportedTests(history, keys);
+    QString html = QLatin1String(kTableStart) + QLatin1String(kHeaderRow);
+    for (const ExportedTest &test : tests) {
+        html += QLatin1String("<tr>");
+        for (const QString &field : {test.name, test.sex, test.birthday})
+            appendCell(html, field);
+        for (const QString &value : test.values)
+            appendCell(html, value);
+        html += QLatin1String("</tr>");
+    }
     html += QLatin1String(kTableEnd);
     if (rows)
-        *rows = count;
+        *rows = tests.size();
     return html;
 }
 
-QString reportFileName(const QString &name, const QDateTime &time)
+namespace {
+
+QString fileText(QString text)
 {
     static const QRegularExpression notFileText(QStringLiteral("[^A-Za-z0-9_]"));
+    return text.left(kLongestFileName).replace(notFileText, QStringLiteral("_"));
+}
+
+QString timeDigits(QString time)
+{
     static const QRegularExpression timeSeparators(QStringLiteral("[-:\\s]"));
-    QString safeName = name.left(kLongestFileName);
-    safeName.replace(notFileText, QStringLiteral("_"));
-    QString stamp = QLocale::c().toString(time, QStringLiteral("yyyy-MM-dd hh:mm:ss"));
-    stamp.remove(timeSeparators);
-    return safeName + QLatin1Char('_') + stamp + QStringLiteral(".html");
+    return time.remove(timeSeparators);
+}
+
+} // namespace
+
+QString reportFileName(const QString &name, const QDateTime &time)
+{
+    return fileText(name) + QLatin1Char('_') +
+           timeDigits(QLocale::c().toString(time, QStringLiteral("yyyy-MM-dd hh:mm:ss"))) + QStringLiteral(".html");
+}
+
+QString photoFileName(const QString &key, const QString &testTime)
+{
+    const QByteArray sum = QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha1).toHex().left(8);
+    return fileText(key) + QLatin1Char('_') + timeDigits(testTime).left(kLongestFileName) + QLatin1Char('_') +
+           QString::fromLatin1(sum) + QStringLiteral(".jpg");
 }
 
 QVector<QStringList> testsOf(const QString &history, const QString &name, const QString &sex, const QString &birthday)

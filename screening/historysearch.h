@@ -31,10 +31,33 @@ QStringList childKeys(const QString &history, const QString &search);
 // with "\n". Linear in the size of the history, however many keys there are.
 QString withoutKeys(const QString &history, const QStringList &keys);
 
-// An HTML table of the tests on lines that start with one of the keys, in
-// the file's order. A line counts only when it has exactly one "|", three
-// fields before it and at most nine after; missing values show "N/A".
-// Values are HTML-escaped. `rows`, when given, receives the number of tests.
+// Test time and the eight values: the part of a record after "|".
+constexpr int kValuesPerTest = 9;
+
+// One test as every export shows it.
+struct ExportedTest
+{
+    QString name;
+    QString sex; // as recorded: "Male" or "Female"
+    QString birthday;
+    // kValuesPerTest texts: test time, OD sphere, cylinder and axis, OS
+    // sphere, cylinder and axis, pupil distance, result; "N/A" where the
+    // record lacks one.
+    QStringList values;
+
+    QString key() const { return name + QLatin1Char(',') + sex + QLatin1Char(',') + birthday; }
+};
+
+// The tests on lines that start with one of the keys, in the file's order.
+// A line counts only when it has exactly one "|", three fields before it and
+// at most nine after.
+QVector<ExportedTest> exportedTests(const QString &history, const QStringList &keys);
+
+// The non-empty lines withoutKeys leaves out, in the file's order.
+QStringList linesWithKeys(const QString &history, const QStringList &keys);
+
+// An HTML table of the exported tests. Values are HTML-escaped. `rows`, when
+// given, receives the number of tests.
 QString exportHtml(const QString &history, const QStringList &keys, int *rows = nullptr);
 
 // File-name text for a report: the child's name with every character outside
@@ -42,13 +65,17 @@ QString exportHtml(const QString &history, const QStringList &keys, int *rows = 
 // ("yyyy-MM-dd hh:mm:ss" without its "-", ":" and blanks), then ".html".
 QString reportFileName(const QString &name, const QDateTime &time);
 
+// File-name text for one test's pupil photo: the child's key with every
+// character outside [A-Za-z0-9_] made "_", the test time without its "-",
+// ":" and blanks, and a checksum of the exact key, so that two children
+// whose names differ only in letters outside that set (any two Chinese
+// names) never share a photo. Ends in ".jpg".
+QString photoFileName(const QString &key, const QString &testTime);
+
 // The tests of the child whose key fields are the three given, in the file's
 // order: test time, OD sphere, cylinder and axis, OS sphere, cylinder and
 // axis, pupil distance and result, taken from the text after the first "|".
 // A value the record lacks reads "N/A".
 QVector<QStringList> testsOf(const QString &history, const QString &name, const QString &sex, const QString &birthday);
-
-// Test time and the eight values: the part of a record after "|".
-constexpr int kValuesPerTest = 9;
 
 } // namespace historysearch

@@ -65,7 +65,7 @@ private slots:
         QCOMPARE(data->m_nExposureSaved, expected[0].toInt());
     }
 
-    // Every position reaches its own field; a longer line keeps its first 21
+    // Every position reaches its own field; a longer line keeps its first 22
     // values and is not rewritten; text where a number belongs reads as 0, and
     // a power timer that is no number never fires rather than at once. A
     // calibration file of two numbers overrides the offsets, in memory only.
@@ -79,7 +79,7 @@ private slots:
         const QByteArray read = "301|7|13|14|15|8|3|10|1|2|1|4|-6";
         QTest::newRow("distinct values, extra fields") << distinct << QByteArray() << read;
         QTest::newRow("no numbers") << QByteArray("bright|x1|a|b|c|1920*1080|h:15000|0|never|off|z|y|English|bt|||on|"
-                                                  "p|q|0|a@b")
+                                                  "p|q|0|a@b|html,pdf")
                                     << QByteArray() << QByteArray("0|0|0|0|0|0|-1|-1|0|0|0|0|0");
         QTest::newRow("calibration") << distinct << QByteArray("12,-3\n")
                                      << QByteArray("301|7|13|14|15|8|3|10|1|2|1|-3|12");

@@ -95,6 +95,11 @@ private slots:
     // of each child ticked on the history page.
     void on_buttonResultPrint_clicked();
     void on_buttonHistoryPrint_clicked();
+    void on_buttonHistoryPhoto_clicked();
+    void on_buttonEmailCsv_clicked();
+    void on_buttonEmailPdf_clicked();
+    void on_buttonEmailFhir_clicked();
+    void on_tableViewUserDetail_clicked(const QModelIndex &index);
 
     // Camera page (maindialog_camera.cpp).
     void on_buttonCameraReturn_clicked();
@@ -247,6 +252,10 @@ private:
     void tableViewSearchResultInit();
     void pageUserDetailInit();
     void showUserDetail(int row);
+    // Switches one of the history export's attachments on or off (maindialog_email.cpp).
+    void toggleReportAttachment(int which);
+    // Shows the photo of the detail table's row (maindialog_history.cpp).
+    void showUserDetailPhoto(int row);
     void editSearchPressed();
     void editEmailAddressPressed();
     void showEmailSettings();
@@ -259,6 +268,8 @@ private:
 
     QStandardItemModel *m_pSearchResultModel = nullptr;
     QStandardItemModel *m_pUserDetailModel = nullptr;
+    // The child the user detail page shows, as its history key.
+    QString m_strUserDetailKey;
     // "1" for a ticked row, else "0": one per row of the list, in its order.
     QStringList m_strFlags;
     bool m_bSelectAll = false;

@@ -294,6 +294,8 @@ void MainDialog::beginTakePhoto()
                                                             uiCamera->buttonPhoto, uiCamera->buttonCameraReturn})
         button->setEnabled(false);
     g_pData->H264Emptyqueue();
+    // The photo of this test comes from this recording only.
+    g_pData->m_pupilPhoto.reset();
     uiCamera->labelNameCameraClock->setText(QStringLiteral("3"));
     uiCamera->labelNameCameraClock->show();
     g_pData->m_nCameraMode = 2;

@@ -12,6 +12,7 @@
 #include "uploaddlg.h"
 
 #include <QCoreApplication>
+#include <QPushButton>
 
 namespace {
 
@@ -33,6 +34,14 @@ QString savedAddress()
 {
     const QString address = g_pData->m_pCamCfg->value(CamCfg::EmailAddress);
     return address == QLatin1String(emailaddress::kNoAddress) ? QString() : address;
+}
+
+// The export's files besides the HTML table, as settings position 22 names them.
+const char *const kAttachmentWords[] = {"csv", "pdf", "fhir"};
+
+QStringList savedAttachments()
+{
+    return g_pData->m_pCamCfg->value(CamCfg::ReportAttachments).split(QLatin1Char(','), Qt::SkipEmptyParts);
 }
 
 } // namespace
@@ -58,6 +67,44 @@ void MainDialog::showEmailSettings()
         uiEmail->editEmailAddress->setStyleSheet(QString());
     }
     uiEmail->editEmailAddress->setCursorPosition(0);
+
+    const QStringList attachments = savedAttachments();
+    QPushButton *const buttons[] = {uiEmail->buttonEmailCsv, uiEmail->buttonEmailPdf, uiEmail->buttonEmailFhir};
+    for (int i = 0; i < 3; ++i)
+        buttons[i]->setChecked(attachments.contains(QLatin1String(kAttachmentWords[i])));
+}
+
+void MainDialog::on_buttonEmailCsv_clicked()
+{
+    toggleReportAttachment(0);
+}
+
+void MainDialog::on_buttonEmailPdf_clicked()
+{
+    toggleReportAttachment(1);
+}
+
+void MainDialog::on_buttonEmailFhir_clicked()
+{
+    toggleReportAttachment(2);
+}
+
+void MainDialog::toggleReportAttachment(int which)
+{
+    QStringList words{QStringLiteral("html")};
+    QStringList attachments = savedAttachments();
+    const QString word = QLatin1String(kAttachmentWords[which]);
+    if (attachments.contains(word))
+        attachments.removeAll(word);
+    else
+        attachments << word;
+    // Always in the same order, so that the file reads the same for the same choice.
+    for (const char *known : kAttachmentWords) {
+        if (attachments.contains(QLatin1String(known)))
+            words << QLatin1String(known);
+    }
+    saveSetting(CamCfg::ReportAttachments, words.join(QLatin1Char(',')));
+    showEmailSettings();
 }
 
 void MainDialog::on_buttonEmailSetting_clicked()

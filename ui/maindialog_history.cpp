@@ -2,11 +2,9 @@
 // MainDialog: the history page (search, ticks, delete, export) and one child's test records.
 #include "maindialog.h"
 
-#include "atomicfile.h"
 #include "gdata.h"
 #include "historysearch.h"
 #include "keypaddlg.h"
-#include "platform.h"
 #include "ui_pagehistory.h"
 #include "ui_pagenomenu.h"
 #include "ui_pageuserdetail.h"
@@ -17,6 +15,9 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QIcon>
+#include <QImage>
+#include <QLabel>
+#include <QPixmap>
 #include <QItemSelectionModel>
 #include <QPainter>
 #include <QScroller>
@@ -253,7 +254,11 @@ void MainDialog::on_buttonHistoryDelete_clicked()
     }
     if (showMessage(tr("Delete Records"), QString(), tr("Yes"), QString(), tr("No")) != 0)
         return;
-    g_pData->saveDeleteResult(historysearch::withoutKeys(g_pData->readTestResult(), keys));
+    const QString history = g_pData->readTestResult();
+    g_pData->saveDeleteResult(historysearch::withoutKeys(history, keys));
+    // After the history: a photo without its record is never shown, a
+    // record without its photo would say that none was kept.
+    g_pData->deletePhotos(history, keys);
     on_buttonSearch_clicked();
 }
 
@@ -264,27 +269,38 @@ void MainDialog::on_buttonHistoryExport_clicked()
         showMessage(tr("No Record Selected"), QString(), QString(), tr("OK"), QString());
         return;
     }
-    int rows = 0;
-    const QString html = historysearch::exportHtml(g_pData->readTestResult(), keys, &rows);
-    qDebug("listAllRecords: %d", rows);
-
-    // Named after the first child ticked and the moment of the export, so
-    // that the recipient can tell reports apart. It sits beside the recording,
-    // in the device's temporary folder, which the device empties at boot.
-    const QString name = historysearch::keyFields(keys.first()).at(0);
-    const QString path = QFileInfo(Platform::instance().recordingFile).absolutePath() + QLatin1Char('/') +
-                         historysearch::reportFileName(name, g_pData->getLocalTime());
-    if (!atomicfile::write(path, html.toUtf8())) {
+    if (!g_pData->prepareHistoryExport(keys)) {
         showMessage(tr("Open File Error"), QString(), QString(), tr("OK"), QString());
         return;
     }
-    g_pData->m_strReportFile = path;
 
     UploadDlg sending;
     sending.mode = 7;
     sending.exec();
-    showMessage(sending.strResult.isEmpty() ? tr("Success") : sending.strResult, QString(), QString(), tr("OK"),
+    QString drive;
+    if (!g_pData->m_strUsbExportDir.isEmpty())
+        drive = tr("Also saved on the USB drive in %1").arg(QFileInfo(g_pData->m_strUsbExportDir).fileName());
+    else if (!g_pData->m_strUsbExportError.isEmpty())
+        drive = g_pData->m_strUsbExportError;
+    showMessage(sending.strResult.isEmpty() ? tr("Success") : sending.strResult, drive, QString(), tr("OK"),
                 QString());
+}
+
+void MainDialog::on_buttonHistoryPhoto_clicked()
+{
+    const QStringList keys = selectedHistoryKeys();
+    if (keys.isEmpty()) {
+        showMessage(tr("No Record Selected"), QString(), QString(), tr("OK"), QString());
+        return;
+    }
+    // The first child ticked, at the latest test: the one just screened
+    // when the operator checks that the photo was taken.
+    for (int row = 0; row < m_strFlags.size(); ++row) {
+        if (m_strFlags.at(row) == QLatin1String("1")) {
+            showUserDetail(row);
+            return;
+        }
+    }
 }
 
 void MainDialog::pageUserDetailInit()
@@ -309,6 +325,7 @@ void MainDialog::showUserDetail(int row)
                                                QStringLiteral("   ") + birthday);
     pageUserDetailInit();
 
+    m_strUserDetailKey = name + QLatin1Char(',') + sex + QLatin1Char(',') + birthday;
     const QVector<QStringList> tests = historysearch::testsOf(g_pData->readTestResult(), name, sex, birthday);
     QStandardItemModel *rows = newUserDetailModel(this);
     for (const QStringList &test : tests) {
@@ -323,4 +340,34 @@ void MainDialog::showUserDetail(int row)
         rows->appendRow(cells);
     }
     showModel(uiUserDetail->tableViewUserDetail, m_pUserDetailModel, rows, kUserDetailWidths);
+    const int latest = rows->rowCount() - 1;
+    if (latest >= 0) {
+        uiUserDetail->tableViewUserDetail->selectRow(latest);
+        uiUserDetail->tableViewUserDetail->scrollToBottom();
+    }
+    showUserDetailPhoto(latest);
+}
+
+void MainDialog::on_tableViewUserDetail_clicked(const QModelIndex &index)
+{
+    showUserDetailPhoto(index.row());
+}
+
+void MainDialog::showUserDetailPhoto(int row)
+{
+    QLabel *photo = uiUserDetail->labelUserDetailPhoto;
+    QLabel *caption = uiUserDetail->labelUserDetailPhotoCaption;
+    photo->clear();
+    if (!m_pUserDetailModel || row < 0 || row >= m_pUserDetailModel->rowCount()) {
+        caption->clear();
+        return;
+    }
+    const QString time = m_pUserDetailModel->item(row, 0)->text();
+    const QImage image(g_pData->photoPath(m_strUserDetailKey, time));
+    if (image.isNull()) {
+        caption->setText(tr("No pupil photo was kept for the test of %1.").arg(time));
+        return;
+    }
+    photo->setPixmap(QPixmap::fromImage(image.scaled(photo->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    caption->setText(tr("Pupil photo of the test of %1").arg(time));
 }

@@ -166,6 +166,62 @@
         <source>Printer init failed</source>
         <translation>Printer init failed</translation>
     </message>
+    <message>
+        <source>Orvella vision screener %1</source>
+        <translation>Orvella vision screener %1</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Sex</source>
+        <translation>Sex</translation>
+    </message>
+    <message>
+        <source>Birthday</source>
+        <translation>Birthday</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>OD SPH</source>
+        <translation>OD SPH</translation>
+    </message>
+    <message>
+        <source>OD CYL</source>
+        <translation>OD CYL</translation>
+    </message>
+    <message>
+        <source>OD AXIS</source>
+        <translation>OD AXIS</translation>
+    </message>
+    <message>
+        <source>OS SPH</source>
+        <translation>OS SPH</translation>
+    </message>
+    <message>
+        <source>OS CYL</source>
+        <translation>OS CYL</translation>
+    </message>
+    <message>
+        <source>OS AXIS</source>
+        <translation>OS AXIS</translation>
+    </message>
+    <message>
+        <source>PD</source>
+        <translation>PD</translation>
+    </message>
+    <message>
+        <source>Screening results</source>
+        <translation>Screening results</translation>
+    </message>
+    <message>
+        <source>The export could not be written to the USB drive %1</source>
+        <translation>The export could not be written to the USB drive %1</translation>
+    </message>
 </context>
 <context>
     <name>KeypadDlg</name>
@@ -659,6 +715,18 @@
         <source>Provisioning could not forget network %1</source>
         <translation>Provisioning could not forget network %1</translation>
     </message>
+    <message>
+        <source>Also saved on the USB drive in %1</source>
+        <translation>Also saved on the USB drive in %1</translation>
+    </message>
+    <message>
+        <source>No pupil photo was kept for the test of %1.</source>
+        <translation>No pupil photo was kept for the test of %1.</translation>
+    </message>
+    <message>
+        <source>Pupil photo of the test of %1</source>
+        <translation>Pupil photo of the test of %1</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -754,6 +822,10 @@
         <source>Send Test Mail</source>
         <translation>Send Test Mail</translation>
     </message>
+    <message>
+        <source>History export also attaches</source>
+        <translation>History export also attaches</translation>
+    </message>
 </context>
 <context>
     <name>PageHistory</name>
@@ -784,6 +856,10 @@
     <message>
         <source>Print</source>
         <translation>Print</translation>
+    </message>
+    <message>
+        <source>Photo</source>
+        <translation>Photo</translation>
     </message>
 </context>
 <context>
@@ -1162,6 +1238,91 @@
     <message>
         <source>Power</source>
         <translation>Power</translation>
+    </message>
+</context>
+<context>
+    <name>ParentLetter</name>
+    <message>
+        <source>Sphere (D)</source>
+        <translation>Sphere (D)</translation>
+    </message>
+    <message>
+        <source>Cylinder (D)</source>
+        <translation>Cylinder (D)</translation>
+    </message>
+    <message>
+        <source>Axis (°)</source>
+        <translation>Axis (°)</translation>
+    </message>
+    <message>
+        <source>Right eye (OD)</source>
+        <translation>Right eye (OD)</translation>
+    </message>
+    <message>
+        <source>Left eye (OS)</source>
+        <translation>Left eye (OS)</translation>
+    </message>
+    <message>
+        <source>Pupil distance: %1 mm</source>
+        <translation>Pupil distance: %1 mm</translation>
+    </message>
+    <message>
+        <source>Vision screening result</source>
+        <translation>Vision screening result</translation>
+    </message>
+    <message>
+        <source>Screened with: %1
+Test date: %2</source>
+        <translation>Screened with: %1
+Test date: %2</translation>
+    </message>
+    <message>
+        <source>Male</source>
+        <translation>Male</translation>
+    </message>
+    <message>
+        <source>Female</source>
+        <translation>Female</translation>
+    </message>
+    <message>
+        <source>Sex: %1    Birthday: %2</source>
+        <translation>Sex: %1    Birthday: %2</translation>
+    </message>
+    <message>
+        <source>Pass</source>
+        <translation>Pass</translation>
+    </message>
+    <message>
+        <source>Refer</source>
+        <translation>Refer</translation>
+    </message>
+    <message>
+        <source>No result</source>
+        <translation>No result</translation>
+    </message>
+    <message>
+        <source>Result: %1</source>
+        <translation>Result: %1</translation>
+    </message>
+    <message>
+        <source>The screening found no sign that your child&apos;s eyes need a closer look today. A screening is a quick check, not a diagnosis: it can miss a problem. If your child squints, tilts the head, holds things very close or complains about the eyes, see an eye-care professional.</source>
+        <translation>The screening found no sign that your child&apos;s eyes need a closer look today. A screening is a quick check, not a diagnosis: it can miss a problem. If your child squints, tilts the head, holds things very close or complains about the eyes, see an eye-care professional.</translation>
+    </message>
+    <message>
+        <source>The screening found values that should be checked. This is not a diagnosis: many children referred turn out to need nothing, and only a full eye examination can tell. Please make an appointment with an eye-care professional (optometrist or ophthalmologist) and bring this letter.</source>
+        <translation>The screening found values that should be checked. This is not a diagnosis: many children referred turn out to need nothing, and only a full eye examination can tell. Please make an appointment with an eye-care professional (optometrist or ophthalmologist) and bring this letter.</translation>
+    </message>
+    <message>
+        <source>The screening could not give a result. A screening is not a diagnosis; please have your child screened again or see an eye-care professional.</source>
+        <translation>The screening could not give a result. A screening is not a diagnosis; please have your child screened again or see an eye-care professional.</translation>
+    </message>
+    <message>
+        <source>No pupil photo was kept for this test.</source>
+        <translation>No pupil photo was kept for this test.</translation>
+    </message>
+    <message>
+        <source>Pupil photo taken during the test:</source>
+        <translation>Pupil photo taken during the test:</translation>
     </message>
 </context>
 <context>

@@ -166,6 +166,62 @@
         <source>Printer init failed</source>
         <translation>Error al iniciar la impresora</translation>
     </message>
+    <message>
+        <source>Orvella vision screener %1</source>
+        <translation>Cribador visual Orvella %1</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Sex</source>
+        <translation>Sexo</translation>
+    </message>
+    <message>
+        <source>Birthday</source>
+        <translation>Fecha de nacimiento</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Hora</translation>
+    </message>
+    <message>
+        <source>OD SPH</source>
+        <translation>OD ESF</translation>
+    </message>
+    <message>
+        <source>OD CYL</source>
+        <translation>OD CIL</translation>
+    </message>
+    <message>
+        <source>OD AXIS</source>
+        <translation>OD EJE</translation>
+    </message>
+    <message>
+        <source>OS SPH</source>
+        <translation>OI ESF</translation>
+    </message>
+    <message>
+        <source>OS CYL</source>
+        <translation>OI CIL</translation>
+    </message>
+    <message>
+        <source>OS AXIS</source>
+        <translation>OI EJE</translation>
+    </message>
+    <message>
+        <source>PD</source>
+        <translation>DP</translation>
+    </message>
+    <message>
+        <source>Screening results</source>
+        <translation>Resultados del cribado</translation>
+    </message>
+    <message>
+        <source>The export could not be written to the USB drive %1</source>
+        <translation>No se pudo escribir la exportación en la memoria USB %1</translation>
+    </message>
 </context>
 <context>
     <name>KeypadDlg</name>
@@ -659,6 +715,18 @@
         <source>Provisioning could not forget network %1</source>
         <translation>No se pudo olvidar la red %1 desde el móvil</translation>
     </message>
+    <message>
+        <source>Also saved on the USB drive in %1</source>
+        <translation>También guardado en la memoria USB, en %1</translation>
+    </message>
+    <message>
+        <source>No pupil photo was kept for the test of %1.</source>
+        <translation>No se guardó foto de las pupilas de la prueba del %1.</translation>
+    </message>
+    <message>
+        <source>Pupil photo of the test of %1</source>
+        <translation>Foto de las pupilas de la prueba del %1</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -754,6 +822,10 @@
         <source>Send Test Mail</source>
         <translation>Enviar correo de prueba</translation>
     </message>
+    <message>
+        <source>History export also attaches</source>
+        <translation>La exportación del historial adjunta también</translation>
+    </message>
 </context>
 <context>
     <name>PageHistory</name>
@@ -784,6 +856,10 @@
     <message>
         <source>Print</source>
         <translation>Imprimir</translation>
+    </message>
+    <message>
+        <source>Photo</source>
+        <translation>Foto</translation>
     </message>
 </context>
 <context>
@@ -1162,6 +1238,91 @@
     <message>
         <source>Power</source>
         <translation>Apagar</translation>
+    </message>
+</context>
+<context>
+    <name>ParentLetter</name>
+    <message>
+        <source>Sphere (D)</source>
+        <translation>Esfera (D)</translation>
+    </message>
+    <message>
+        <source>Cylinder (D)</source>
+        <translation>Cilindro (D)</translation>
+    </message>
+    <message>
+        <source>Axis (°)</source>
+        <translation>Eje (°)</translation>
+    </message>
+    <message>
+        <source>Right eye (OD)</source>
+        <translation>Ojo derecho (OD)</translation>
+    </message>
+    <message>
+        <source>Left eye (OS)</source>
+        <translation>Ojo izquierdo (OI)</translation>
+    </message>
+    <message>
+        <source>Pupil distance: %1 mm</source>
+        <translation>Distancia pupilar: %1 mm</translation>
+    </message>
+    <message>
+        <source>Vision screening result</source>
+        <translation>Resultado del cribado visual</translation>
+    </message>
+    <message>
+        <source>Screened with: %1
+Test date: %2</source>
+        <translation>Cribado con: %1
+Fecha de la prueba: %2</translation>
+    </message>
+    <message>
+        <source>Male</source>
+        <translation>Masculino</translation>
+    </message>
+    <message>
+        <source>Female</source>
+        <translation>Femenino</translation>
+    </message>
+    <message>
+        <source>Sex: %1    Birthday: %2</source>
+        <translation>Sexo: %1    Fecha de nacimiento: %2</translation>
+    </message>
+    <message>
+        <source>Pass</source>
+        <translation>Aprobado</translation>
+    </message>
+    <message>
+        <source>Refer</source>
+        <translation>Remitir</translation>
+    </message>
+    <message>
+        <source>No result</source>
+        <translation>Sin resultado</translation>
+    </message>
+    <message>
+        <source>Result: %1</source>
+        <translation>Resultado: %1</translation>
+    </message>
+    <message>
+        <source>The screening found no sign that your child&apos;s eyes need a closer look today. A screening is a quick check, not a diagnosis: it can miss a problem. If your child squints, tilts the head, holds things very close or complains about the eyes, see an eye-care professional.</source>
+        <translation>El cribado de hoy no encontró señales de que los ojos de su hijo o hija necesiten un examen más detallado. Un cribado es una comprobación rápida, no un diagnóstico: puede pasar por alto un problema. Si su hijo o hija entrecierra los ojos, inclina la cabeza, se acerca mucho las cosas o se queja de los ojos, consulte a un profesional de la visión.</translation>
+    </message>
+    <message>
+        <source>The screening found values that should be checked. This is not a diagnosis: many children referred turn out to need nothing, and only a full eye examination can tell. Please make an appointment with an eye-care professional (optometrist or ophthalmologist) and bring this letter.</source>
+        <translation>El cribado encontró valores que conviene revisar. No es un diagnóstico: muchos niños remitidos no necesitan nada, y solo un examen ocular completo puede decirlo. Pida cita con un profesional de la visión (óptico-optometrista u oftalmólogo) y lleve esta carta.</translation>
+    </message>
+    <message>
+        <source>The screening could not give a result. A screening is not a diagnosis; please have your child screened again or see an eye-care professional.</source>
+        <translation>El cribado no pudo dar un resultado. Un cribado no es un diagnóstico; repita el cribado o consulte a un profesional de la visión.</translation>
+    </message>
+    <message>
+        <source>No pupil photo was kept for this test.</source>
+        <translation>No se guardó foto de las pupilas de esta prueba.</translation>
+    </message>
+    <message>
+        <source>Pupil photo taken during the test:</source>
+        <translation>Foto de las pupilas tomada durante la prueba:</translation>
     </message>
 </context>
 <context>

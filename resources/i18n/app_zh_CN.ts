@@ -166,6 +166,62 @@
         <source>Printer init failed</source>
         <translation>打印机初始化失败</translation>
     </message>
+    <message>
+        <source>Orvella vision screener %1</source>
+        <translation>Orvella 视力筛查仪 %1</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>姓名</translation>
+    </message>
+    <message>
+        <source>Sex</source>
+        <translation>性别</translation>
+    </message>
+    <message>
+        <source>Birthday</source>
+        <translation>出生日期</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>筛查时间</translation>
+    </message>
+    <message>
+        <source>OD SPH</source>
+        <translation>右球镜</translation>
+    </message>
+    <message>
+        <source>OD CYL</source>
+        <translation>右柱镜</translation>
+    </message>
+    <message>
+        <source>OD AXIS</source>
+        <translation>右轴位</translation>
+    </message>
+    <message>
+        <source>OS SPH</source>
+        <translation>左球镜</translation>
+    </message>
+    <message>
+        <source>OS CYL</source>
+        <translation>左柱镜</translation>
+    </message>
+    <message>
+        <source>OS AXIS</source>
+        <translation>左轴位</translation>
+    </message>
+    <message>
+        <source>PD</source>
+        <translation>瞳距</translation>
+    </message>
+    <message>
+        <source>Screening results</source>
+        <translation>筛查结果</translation>
+    </message>
+    <message>
+        <source>The export could not be written to the USB drive %1</source>
+        <translation>无法将导出文件写入 U 盘 %1</translation>
+    </message>
 </context>
 <context>
     <name>KeypadDlg</name>
@@ -659,6 +715,18 @@
         <source>Provisioning could not forget network %1</source>
         <translation>手机配网未能删除网络 %1</translation>
     </message>
+    <message>
+        <source>Also saved on the USB drive in %1</source>
+        <translation>已同时保存到 U 盘的 %1 文件夹</translation>
+    </message>
+    <message>
+        <source>No pupil photo was kept for the test of %1.</source>
+        <translation>%1 的筛查未保存瞳孔照片。</translation>
+    </message>
+    <message>
+        <source>Pupil photo of the test of %1</source>
+        <translation>%1 筛查的瞳孔照片</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
@@ -754,6 +822,10 @@
         <source>Send Test Mail</source>
         <translation>发送测试邮件</translation>
     </message>
+    <message>
+        <source>History export also attaches</source>
+        <translation>历史导出同时附带</translation>
+    </message>
 </context>
 <context>
     <name>PageHistory</name>
@@ -784,6 +856,10 @@
     <message>
         <source>Print</source>
         <translation>打印</translation>
+    </message>
+    <message>
+        <source>Photo</source>
+        <translation>照片</translation>
     </message>
 </context>
 <context>
@@ -1162,6 +1238,91 @@
     <message>
         <source>Power</source>
         <translation>关机</translation>
+    </message>
+</context>
+<context>
+    <name>ParentLetter</name>
+    <message>
+        <source>Sphere (D)</source>
+        <translation>球镜 (D)</translation>
+    </message>
+    <message>
+        <source>Cylinder (D)</source>
+        <translation>柱镜 (D)</translation>
+    </message>
+    <message>
+        <source>Axis (°)</source>
+        <translation>轴位 (°)</translation>
+    </message>
+    <message>
+        <source>Right eye (OD)</source>
+        <translation>右眼 (OD)</translation>
+    </message>
+    <message>
+        <source>Left eye (OS)</source>
+        <translation>左眼 (OS)</translation>
+    </message>
+    <message>
+        <source>Pupil distance: %1 mm</source>
+        <translation>瞳距：%1 mm</translation>
+    </message>
+    <message>
+        <source>Vision screening result</source>
+        <translation>视力筛查结果</translation>
+    </message>
+    <message>
+        <source>Screened with: %1
+Test date: %2</source>
+        <translation>筛查设备：%1
+筛查日期：%2</translation>
+    </message>
+    <message>
+        <source>Male</source>
+        <translation>男</translation>
+    </message>
+    <message>
+        <source>Female</source>
+        <translation>女</translation>
+    </message>
+    <message>
+        <source>Sex: %1    Birthday: %2</source>
+        <translation>性别：%1    出生日期：%2</translation>
+    </message>
+    <message>
+        <source>Pass</source>
+        <translation>通过</translation>
+    </message>
+    <message>
+        <source>Refer</source>
+        <translation>转诊</translation>
+    </message>
+    <message>
+        <source>No result</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Result: %1</source>
+        <translation>结果：%1</translation>
+    </message>
+    <message>
+        <source>The screening found no sign that your child&apos;s eyes need a closer look today. A screening is a quick check, not a diagnosis: it can miss a problem. If your child squints, tilts the head, holds things very close or complains about the eyes, see an eye-care professional.</source>
+        <translation>本次筛查未发现孩子的眼睛需要进一步检查的迹象。筛查只是快速检查，不是诊断，可能漏掉问题。如果孩子经常眯眼、歪头看东西、把东西拿得很近或说眼睛不舒服，请带孩子看眼科专业人员。</translation>
+    </message>
+    <message>
+        <source>The screening found values that should be checked. This is not a diagnosis: many children referred turn out to need nothing, and only a full eye examination can tell. Please make an appointment with an eye-care professional (optometrist or ophthalmologist) and bring this letter.</source>
+        <translation>本次筛查发现有需要进一步检查的数值。这不是诊断：许多被转诊的孩子最终并不需要处理，只有全面的眼科检查才能确定。请预约眼科专业人员（验光师或眼科医生），并携带本通知。</translation>
+    </message>
+    <message>
+        <source>The screening could not give a result. A screening is not a diagnosis; please have your child screened again or see an eye-care professional.</source>
+        <translation>本次筛查未能得出结果。筛查不是诊断；请让孩子重新筛查，或带孩子看眼科专业人员。</translation>
+    </message>
+    <message>
+        <source>No pupil photo was kept for this test.</source>
+        <translation>本次筛查未保存瞳孔照片。</translation>
+    </message>
+    <message>
+        <source>Pupil photo taken during the test:</source>
+        <translation>筛查时拍摄的瞳孔照片：</translation>
     </message>
 </context>
 <context>

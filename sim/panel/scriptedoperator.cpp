@@ -115,6 +115,19 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, B
     addScreening(QStringLiteral("Sofia Marquez"), false, QStringLiteral("2019-03-02"), true);
     addScreening(QStringLiteral("Leo Park"), true, QStringLiteral("2016-07-19"), false);
     addPrinting();
+    m_steps.push_back({QStringLiteral("asks for every attachment on the e-mail page"), [] { return true; },
+                       [this] {
+                           click("buttonSetup");
+                           click("buttonEmailSetting");
+                           for (const char *button : {"buttonEmailCsv", "buttonEmailPdf", "buttonEmailFhir"})
+                               click(button);
+                           say(QStringLiteral("switched on the CSV, PDF and FHIR attachments (setting: %1): ")
+                                   .arg(g_pData->m_pCamCfg->value(CamCfg::ReportAttachments)) +
+                               screenshot(QStringLiteral("09-email-attachments")));
+                           click("buttonEmailReturn");
+                           click("buttonSetupReturn");
+                       },
+                       500});
     m_steps.push_back({QStringLiteral("opens the history page"), [] { return true; },
                        [this] {
                            click("buttonHistory");
@@ -134,11 +147,31 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, B
                        [this] { return m_answers.size() > m_answersBeforeExport; },
                        [this] {
                            say(QStringLiteral("exported Sofia Marquez's records by e-mail: ") + m_answers.last());
+                           QStringList files{g_pData->m_strReportFile};
+                           files << g_pData->m_strReportExtras;
+                           for (const QString &file : files)
+                               say(QStringLiteral("  attached: ") + file);
+                           say(QStringLiteral("  copied to the USB drive: ") +
+                               (g_pData->m_strUsbExportDir.isEmpty() ? g_pData->m_strUsbExportError
+                                                                     : g_pData->m_strUsbExportDir));
+                           click("buttonHistoryPhoto");
+                       },
+                       1000});
+    m_steps.push_back({QStringLiteral("looks at Sofia's pupil photo"), onPage("pageUserDetail"),
+                       [this] {
+                           auto *caption = m_device->findChild<QLabel *>(QStringLiteral("labelUserDetailPhotoCaption"));
+                           say(QStringLiteral("the detail page says \"%1\": ").arg(caption ? caption->text() : QString()) +
+                               screenshot(QStringLiteral("12-pupil-photo")));
+                           click("buttonUserDetailReturn");
+                       },
+                       800});
+    m_steps.push_back({QStringLiteral("deletes Leo's records from the history page"), onPage("pageHistory"),
+                       [this] {
                            tickHistoryRow(QStringLiteral("Sofia Marquez"));
                            tickHistoryRow(QStringLiteral("Leo Park"));
                            click("buttonHistoryDelete");
                        },
-                       1000});
+                       500});
     m_steps.push_back({QStringLiteral("deletes Leo's records"), [] { return true; },
                        [this] {
                            say(QStringLiteral("deleted Leo Park's records; the history now lists: %1: ")
