@@ -8,6 +8,7 @@
 #include "btprintermanager.h"
 #include "camcfg.h"
 #include "cmdutil.h"
+#include "facerenderer.h"
 #include "devicefactory.h"
 #include "gdata.h"
 #include "keypaddlg.h"
@@ -15,6 +16,7 @@
 #include "msgdialog.h"
 #include "numkeypaddlg.h"
 #include "platform.h"
+#include "pupilphoto.h"
 #include "simulatedcamera.h"
 #include "simulatedworld.h"
 #include "timedlg.h"
@@ -34,6 +36,8 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <cstring>
+#include <vector>
 
 namespace {
 
@@ -280,6 +284,20 @@ int main(int argc, char *argv[])
         if (Application::localeForLanguage(QLatin1String(language)) == locale)
             g_pData->m_pCamCfg->setValue(CamCfg::Language, QLatin1String(language));
     }
+    // Sofia's latest test has the photo a well-aimed flash frame gives.
+    FaceRenderer renderer(GData::kCameraWidth, GData::kCameraHeight);
+    FaceScene flash;
+    flash.flashFrame = true;
+    QImage frame(GData::kCameraWidth, GData::kCameraHeight, QImage::Format_Grayscale8);
+    std::vector<uint8_t> luma(static_cast<size_t>(GData::kCameraWidth) * GData::kCameraHeight);
+    renderer.expose(flash, 1, luma.data());
+    for (int y = 0; y < frame.height(); ++y)
+        std::memcpy(frame.scanLine(y), luma.data() + static_cast<size_t>(y) * frame.width(), frame.width());
+    QDir().mkpath(g_pData->photoDir());
+    QFile photo(g_pData->photoPath(QStringLiteral("Sofia Marquez,Female,2019-03-02"), QStringLiteral("2024-11-04 09:30")));
+    if (photo.open(QIODevice::WriteOnly))
+        photo.write(pupilphoto::encodeJpeg(pupilphoto::cropToEyes(frame)));
+    photo.close();
     g_pData->m_nWifiRssi = -48;
     // As after the first network time, so the clock shows.
     g_pData->m_bNetworkReady = 1;
