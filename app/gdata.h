@@ -192,7 +192,11 @@ public:
     // The history file; see gdata_history.cpp.
     void saveTestResult();
     QString readTestResult();
-    void saveDeleteResult(const QString &text);
+    // Refused (false) when the last read found a history it could not read:
+    // the text given would then stand for records nobody has seen.
+    bool saveDeleteResult(const QString &text);
+    // Set by readTestResult when the history exists but cannot be read.
+    bool m_bHistoryUnreadable = false;
 
     // The firmware update; see gdata_update.cpp. versionCheck gives 1 for a
     // new version (its description stored), 0 for none, below 0 when the

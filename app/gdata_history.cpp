@@ -29,20 +29,38 @@ void GData::saveTestResult()
 {
     QDir().mkpath(historyDir());
     QFile file(historyFile());
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text))
+    // Read as well as append: the end of what is there is looked at first.
+    if (!file.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Text))
         return;
     m_strTestTime = historyrecord::testTimeText(getLocalTime());
 
     const QString line = historyrecord::line(currentTest());
     qDebug("%s", qPrintable(line));
 
-    file.write((line + QLatin1Char('\n')).toUtf8());
+    // A line cut short by a power cut or a full disk must not swallow this
+    // one: it starts on a line of its own, and the broken one stays broken.
+    QByteArray bytes = (line + QLatin1Char('\n')).toUtf8();
+    const qint64 size = file.size();
+    char last = '\n';
+    if (size > 0 && (!file.seek(size - 1) || file.read(&last, 1) != 1))
+        last = '\n';
+    if (last != '\n')
+        bytes.prepend('\n');
+    const qint64 written = file.write(bytes);
+    if (written != bytes.size()) {
+        qDebug("saveTestResult: only %lld of %lld bytes written", static_cast<long long>(written),
+               static_cast<long long>(bytes.size()));
+        // End whatever went in, so that the next record starts cleanly.
+        if (written > 0)
+            file.write("\n", 1);
+    }
     // The result page counts the test as kept once this returns: a power cut
     // after that must not take the line with it from the page cache.
     if (file.flush())
         ::fdatasync(file.handle());
     file.close();
-    savePupilPhoto(line);
+    if (written == bytes.size())
+        savePupilPhoto(line);
 }
 
 historyrecord::Test GData::currentTest() const
@@ -66,17 +84,39 @@ historyrecord::Test GData::currentTest() const
 QString GData::readTestResult()
 {
     QFile file(historyFile());
-    if (!file.open(QIODevice::ReadOnly))
+    m_bHistoryUnreadable = false;
+    if (!file.exists())
         return QString();
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_bHistoryUnreadable = true;
+        return QString();
+    }
     QByteArray bytes = file.readAll();
-    const int zero = bytes.indexOf('\0');
-    if (zero >= 0)
-        bytes.truncate(zero);
-    return QString::fromUtf8(bytes);
+    if (file.error() != QFileDevice::NoError) {
+        m_bHistoryUnreadable = true;
+        return QString();
+    }
+    // A power cut can leave a run of zero bytes where a block was allocated
+    // but never written; records appended after it are still good. Each run
+    // becomes a line end, so that a torn line before it stays apart.
+    QByteArray clean;
+    clean.reserve(bytes.size());
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        if (bytes.at(i) != '\0') {
+            clean.append(bytes.at(i));
+        } else if (i == 0 || bytes.at(i - 1) != '\0') {
+            clean.append('\n');
+        }
+    }
+    return QString::fromUtf8(clean);
 }
 
-void GData::saveDeleteResult(const QString &text)
+bool GData::saveDeleteResult(const QString &text)
 {
+    if (m_bHistoryUnreadable) {
+        qDebug("saveDeleteResult: the history could not be read; it is left as it is");
+        return false;
+    }
     // A torn rewrite would lose every record, not only the deleted ones.
-    atomicfile::write(historyFile(), text.toUtf8());
+    return atomicfile::write(historyFile(), text.toUtf8());
 }

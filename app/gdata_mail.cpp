@@ -48,6 +48,10 @@ QString sendMail(GData &data, const Mailer::Message &message, const char *logNam
 
     Mailer::Message addressed = message;
     addressed.recipients = data.m_pCamCfg ? data.m_pCamCfg->value(CamCfg::EmailAddress) : QString();
+    // The factory text stands for no address; as an address it would read
+    // as one named "Please" that is not valid.
+    if (addressed.recipients == CamCfg::defaultValue(CamCfg::EmailAddress))
+        addressed.recipients.clear();
     addressed.date = deviceTime(data.m_strTimeZone);
     const QString failure = Mailer(account).send(addressed);
     qDebug("%s = %s", logName, failure.isEmpty() ? "OK" : qPrintable(failure));

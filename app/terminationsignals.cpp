@@ -27,6 +27,9 @@ void onSignal(int number)
 
 void catchTerminationSignals()
 {
+    // A printer, server or helper program that hangs up while the device is
+    // still writing to it is a failed write to report, not a reason to die.
+    ::signal(SIGPIPE, SIG_IGN);
     if (s_signalPipe[0] >= 0)
         return;
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, s_signalPipe) != 0) {

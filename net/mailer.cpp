@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QUrl>
+#include <QUuid>
 
 #include <curl/curl.h>
 #include <sys/socket.h>
@@ -267,6 +268,10 @@ QString Mailer::send(const Message &message) const
     built = built && append(headers, "From: <" + sender + '>');
     built = built && append(headers, "To: " + to);
     built = built && append(headers, "Subject: " + encodeHeaderText(message.subject));
+    // Large providers turn away mail without one as likely spam.
+    const QByteArray domain = sender.mid(sender.lastIndexOf('@') + 1);
+    built = built && append(headers, "Message-ID: <" + QUuid::createUuid().toByteArray(QUuid::WithoutBraces) + '@' +
+                                         (domain.isEmpty() ? QByteArray("localhost") : domain) + '>');
 
     const QByteArray body = message.body.toUtf8();
     curl_mimepart *part = curl_mime_addpart(mime.get());
@@ -297,7 +302,16 @@ QString Mailer::send(const Message &message) const
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, errors);
     // Time-outs must not rely on SIGALRM: the program has other threads.
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, long(m_nTimeoutMs));
+    // A large export over a weak link may rightly need longer than the
+    // limit; the limit grows with the attachments, and a link that stalls
+    // is given up on by the low-speed limit long before that.
+    qint64 attached = 0;
+    for (const Source &source : sources)
+        attached += source.bytes.size();
+    const qint64 totalMs = m_nTimeoutMs + attached * 1000 / kSlowestBytesPerSecond;
+    curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, long(totalMs));
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, long(kStalledBytesPerSecond));
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, long(kStalledSeconds));
     curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, long(m_nConnectTimeoutMs));
     curl_easy_setopt(curl, CURLOPT_USE_SSL,
                      long(account.security == Security::None ? CURLUSESSL_NONE : CURLUSESSL_ALL));

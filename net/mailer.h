@@ -57,8 +57,14 @@ public:
         QDateTime date;
     };
 
-    // A recording of a few megabytes over a weak Wi-Fi link needs most of the minute.
+    // A recording of a few megabytes over a weak Wi-Fi link needs most of
+    // the minute. The whole send may take this plus one second for every
+    // kSlowestBytesPerSecond of attachments, but ends sooner when less than
+    // kStalledBytesPerSecond moved for kStalledSeconds.
     static constexpr int kDefaultTimeoutMs = 60000;
+    static constexpr int kSlowestBytesPerSecond = 16 * 1024;
+    static constexpr int kStalledBytesPerSecond = 256;
+    static constexpr int kStalledSeconds = 20;
     static constexpr int kDefaultConnectTimeoutMs = 10000;
 
     explicit Mailer(Account account);

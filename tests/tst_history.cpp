@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <memory>
 #include <csignal>
 #include <vector>
 
@@ -139,11 +140,63 @@ private slots:
         QCOMPARE(TestDevice::readFile(historyDir()), QByteArray("not a folder"));
     }
 
-    void readingStopsAtAMissingFileOrAZeroByte()
+    // What a power cut or a full disk leaves behind never hides a later
+    // record, nor glues the next record onto a broken line.
+    void damageKeepsEveryWholeRecord_data()
     {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<int>("sizeLimit"); // for the first save, 0 for none
+        QTest::addColumn<QStringList>("lines");
+        const QByteArray amy = "Amy,Female,2019-03-02|2024-05-17 10:42,-0.50,-0.75,85,+0.25,-0.00,5,62,Pass";
+        const QByteArray ben = "Ben,Male,2018-01-09|2024-05-17 10:50,+0.50,-0.25,90,+0.50,-0.25,90,60,Pass";
+        const QString amyLine = QString::fromLatin1(amy);
+        QTest::newRow("zero-filled block between records")
+            << amy + '\n' + QByteArray(4096, '\0') + ben + '\n' << 0
+            << QStringList{amyLine, QString::fromLatin1(ben), QStringLiteral("Cleo"), QStringLiteral("Cleo")};
+        QTest::newRow("torn line at the end") << amy + "\nBen,Male,2018-01-09|2024-05" << 0
+                                              << QStringList{amyLine, QStringLiteral("Ben,Male,2018-01-09|2024-05"),
+                                                             QStringLiteral("Cleo"), QStringLiteral("Cleo")};
+        QTest::newRow("torn by a zero-filled tail") << amy + "\nBen,Ma" + QByteArray(512, '\0') << 0
+                                                    << QStringList{amyLine, QStringLiteral("Ben,Ma"), QStringLiteral("Cleo"),
+                                                                   QStringLiteral("Cleo")};
+        QTest::newRow("disk full in the middle of a save")
+            << amy + '\n' << amy.size() + 1 + 10
+            << QStringList{amyLine, QStringLiteral("Cleo,Femal"), QStringLiteral("Cleo")};
+    }
+
+    void damageKeepsEveryWholeRecord()
+    {
+        QFETCH(QByteArray, before);
+        QFETCH(int, sizeLimit);
+        QFETCH(QStringList, lines);
+        m_device->writeFile(QStringLiteral("app/CAMCFG/result.txt"), before);
+        amysTest(*m_data);
+        m_data->m_strName = QStringLiteral("Cleo");
+        {
+            std::unique_ptr<FileSizeLimit> limit(sizeLimit > 0 ? new FileSizeLimit(rlim_t(sizeLimit)) : nullptr);
+            m_data->saveTestResult();
+        }
+        m_data->saveTestResult();
+        QStringList read = m_data->readTestResult().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (QString &line : read) {
+            if (line.startsWith(QLatin1String("Cleo,Female,2019-03-02|")))
+                line = QStringLiteral("Cleo");
+        }
+        QCOMPARE(read, lines);
+    }
+
+    // A history that is there but cannot be read must not be replaced by
+    // the little a deletion computed from nothing.
+    void unreadableHistoryIsNeverRewritten()
+    {
+        QVERIFY(QDir().mkpath(historyFile()));
         QCOMPARE(m_data->readTestResult(), QString());
-        m_device->writeFile(QStringLiteral("app/CAMCFG/result.txt"), QByteArray("Amy,Female\n\0garbage", 19));
-        QCOMPARE(m_data->readTestResult(), QStringLiteral("Amy,Female\n"));
+        QVERIFY(m_data->m_bHistoryUnreadable);
+        QVERIFY(!m_data->saveDeleteResult(QString()));
+        QVERIFY(QFileInfo(historyFile()).isDir());
+        QVERIFY(QDir().rmdir(historyFile()));
+        QCOMPARE(m_data->readTestResult(), QString());
+        QVERIFY(m_data->saveDeleteResult(QString()));
     }
 
     void interruptedRewriteLeavesTheOldHistory()

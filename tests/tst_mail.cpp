@@ -15,6 +15,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -46,7 +47,7 @@ for folder in ('new', 'cur'):
     for name in sorted(os.listdir(os.path.join(sys.argv[1], folder))):
         with open(os.path.join(sys.argv[1], folder, name), 'rb') as f:
             message = email.message_from_binary_file(f, policy=policy.default)
-        entry = {key: str(message[key] or '') for key in ('Subject', 'Date', 'X-RcptTo')}
+        entry = {key: str(message[key] or '') for key in ('Subject', 'Date', 'X-RcptTo', 'Message-ID')}
         entry.update(defects=[str(d) for p in message.walk() for d in p.defects],
                      parts=[leaf(p) for p in message.walk() if not p.is_multipart()])
         found.append(entry)
@@ -321,6 +322,8 @@ private slots:
         QCOMPARE(message.value("Subject").toString(), subject);
         // Stamped with the device's clock in its own zone, not the host's.
         QCOMPARE(message.value("Date").toString(), QStringLiteral("Tue, 05 Mar 2024 10:15:30 +0530"));
+        // Large providers refuse mail without one.
+        QVERIFY(QRegularExpression(QStringLiteral("^<[0-9a-f-]{36}@\\S+>$")).match(message.value("Message-ID").toString()).hasMatch());
         const QJsonArray parts = message.value("parts").toArray();
         QCOMPARE(parts.size(), 2);
         QVERIFY2(parts.at(0).toObject().value("text").toString().contains(body), qPrintable(body));
@@ -348,7 +351,7 @@ private slots:
         // A server without encryption is not used in the clear instead.
         row("no STARTTLS offered", "plain", "starttls", "", kRecipient, {"does not offer"});
         row("unknown security word", "plain", "ssl", "", kRecipient, {"\"ssl\""});
-        row("the settings' placeholder", "plain", "none", "", "Please Input Email", {"\"Please\""});
+        row("the settings' placeholder", "plain", "none", "", "Please Input Email", {"No recipient address is set"});
         row("a header smuggled in", "plain", "none", "", kRecipient + "\r\nBcc: spy@elsewhere.example", {"Bcc:"});
         row("an address that ends the SMTP command", "plain", "none", "", kRecipient + ">NOTIFY=NEVER", {"NOTIFY"});
     }

@@ -605,10 +605,16 @@ private slots:
         const ModalResponder responder = collectMessages(messages);
         widget<QLineEdit>("editName")->setText(QStringLiteral("   "));
         click("buttonCamera");
+        // Both separators of the history's fields are on the keypad.
+        for (const char *name : {"Lee, Amy", "Amy|Lee"}) {
+            widget<QLineEdit>("editName")->setText(QLatin1String(name));
+            click("buttonCamera");
+        }
         widget<QLineEdit>("editName")->setText(QStringLiteral("Amy"));
         widget<QLineEdit>("editDate")->setText(QStringLiteral("2021-02-30"));
         click("buttonCamera");
-        QCOMPARE(messages, (QStringList{QStringLiteral("Error/User Name cannot be empry!"),
+        const QString separators = QStringLiteral("Error/A name cannot contain \",\" or \"|\".");
+        QCOMPARE(messages, (QStringList{QStringLiteral("Error/User Name cannot be empry!"), separators, separators,
                                         QStringLiteral("Error/Date is not valid!")}));
         QCOMPARE(base()->currentIndex(), int(MainDialog::BasePageMenu));
 

@@ -100,6 +100,12 @@ void MainDialog::on_buttonCamera_clicked()
             showMessage(tr("Error"), tr("User Name cannot be empry!"), QString(), tr("OK"), QString());
             return;
         }
+        // The history keeps a record's fields apart with these two: a name
+        // holding one would break its record and could not be deleted.
+        if (g_pData->m_strName.contains(QLatin1Char(',')) || g_pData->m_strName.contains(QLatin1Char('|'))) {
+            showMessage(tr("Error"), tr("A name cannot contain \",\" or \"|\"."), QString(), tr("OK"), QString());
+            return;
+        }
         if (!g_pData->isNetworkReady()) {
             showMessage(tr("Error"), tr("Network is not ready!"), QString(), tr("OK"), QString());
             return;

@@ -255,7 +255,11 @@ void MainDialog::on_buttonHistoryDelete_clicked()
     if (showMessage(tr("Delete Records"), QString(), tr("Yes"), QString(), tr("No")) != 0)
         return;
     const QString history = g_pData->readTestResult();
-    g_pData->saveDeleteResult(historysearch::withoutKeys(history, keys));
+    if (!g_pData->saveDeleteResult(historysearch::withoutKeys(history, keys))) {
+        showMessage(tr("Delete Failed!"), tr("The history could not be read or written; nothing was deleted."),
+                    QString(), tr("OK"), QString());
+        return;
+    }
     // After the history: a photo without its record is never shown, a
     // record without its photo would say that none was kept.
     g_pData->deletePhotos(history, keys);

@@ -727,6 +727,14 @@
         <source>Pupil photo of the test of %1</source>
         <translation>Pupil photo of the test of %1</translation>
     </message>
+    <message>
+        <source>A name cannot contain &quot;,&quot; or &quot;|&quot;.</source>
+        <translation>A name cannot contain &quot;,&quot; or &quot;|&quot;.</translation>
+    </message>
+    <message>
+        <source>The history could not be read or written; nothing was deleted.</source>
+        <translation>The history could not be read or written; nothing was deleted.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

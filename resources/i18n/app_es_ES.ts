@@ -727,6 +727,14 @@
         <source>Pupil photo of the test of %1</source>
         <translation>Foto de las pupilas de la prueba del %1</translation>
     </message>
+    <message>
+        <source>A name cannot contain &quot;,&quot; or &quot;|&quot;.</source>
+        <translation>Un nombre no puede contener «,» ni «|».</translation>
+    </message>
+    <message>
+        <source>The history could not be read or written; nothing was deleted.</source>
+        <translation>No se pudo leer o escribir el historial; no se eliminó nada.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

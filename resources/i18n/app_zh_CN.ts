@@ -727,6 +727,14 @@
         <source>Pupil photo of the test of %1</source>
         <translation>%1 筛查的瞳孔照片</translation>
     </message>
+    <message>
+        <source>A name cannot contain &quot;,&quot; or &quot;|&quot;.</source>
+        <translation>姓名不能包含“,”或“|”。</translation>
+    </message>
+    <message>
+        <source>The history could not be read or written; nothing was deleted.</source>
+        <translation>无法读取或写入历史记录，未删除任何记录。</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
