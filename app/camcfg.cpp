@@ -119,9 +119,23 @@ QString CamCfg::saveCFG2File()
 
 QString CamCfg::readCFG4File()
 {
+    m_bUnreadable = false;
+    QFile file(configFilePath());
+    // A file system remounted read-only after an error still holds good
+    // settings: an existing file is only read, never opened for writing.
+    if (file.exists()) {
+        QString text;
+        if (file.open(QIODevice::ReadOnly | QIODevice::Text))
+            text = QString::fromUtf8(file.readAll());
+        if (!file.isOpen() || file.error() != QFileDevice::NoError) {
+            qDebug("config file unreadable: %s", qPrintable(file.errorString()));
+            m_bUnreadable = true;
+            return QString();
+        }
+        return text;
+    }
     if (!makeConfigDir())
         return QString();
-    QFile file(configFilePath());
     if (!file.open(QIODevice::ReadWrite | QIODevice::Text)) {
         qDebug("create file fail");
         return QString();

@@ -59,6 +59,9 @@ public:
     QString parseCurrentCFG();
     QString saveCFG2File();
     QString readCFG4File();
+    // Set by readCFG4File when the file is there but cannot be read: its
+    // settings, the referral criterion among them, are then unknown.
+    bool unreadable() const { return m_bUnreadable; }
 
 private:
     bool makeConfigDir() const;
@@ -66,4 +69,5 @@ private:
     QString m_strBaseDir;
     QString m_strRaw;
     std::array<QString, kPositions> m_values;
+    bool m_bUnreadable = false;
 };

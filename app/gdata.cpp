@@ -76,7 +76,12 @@ void GData::InitCommonAndConfig()
     m_pCamCfg = new CamCfg;
     m_pCamCfg->setBaseDir(Platform::instance().applicationDir());
     m_pCamCfg->setRawText(m_pCamCfg->readCFG4File());
-    if (m_pCamCfg->rawText().isEmpty()) {
+    if (m_pCamCfg->unreadable()) {
+        // Factory settings in memory keep the pages working, but the file
+        // is left for someone to rescue, and no child is judged by them.
+        m_pCamCfg->resetDefaultCFG();
+        m_pCamCfg->dogenCurrentCFG();
+    } else if (m_pCamCfg->rawText().isEmpty()) {
         m_pCamCfg->resetDefaultCFG();
         m_pCamCfg->dogenCurrentCFG();
         m_pCamCfg->saveCFG2File();

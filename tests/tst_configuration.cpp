@@ -136,6 +136,22 @@ private slots:
         QVERIFY(!data->setSensorCalibrationData(sensor_calibrate_data_t()));
     }
 
+    // A settings file that is there but cannot be read is left alone and
+    // marked, never replaced by factory settings that would then judge
+    // children by criterion 0.
+    void unreadableFileIsKeptAndMarked()
+    {
+        QVERIFY(QDir().mkpath(m_device->appDir() + QStringLiteral("/CAMCFG/config.txt")));
+        auto data = startGData();
+        QVERIFY(data->m_pCamCfg->unreadable());
+        QVERIFY(QFileInfo(data->m_pCamCfg->configFilePath()).isDir());
+        QVERIFY(QDir().rmdir(data->m_pCamCfg->configFilePath()));
+        writeConfig("225|1|50|5|5|1920*1080|h:15000|0|-1|-1|2|0|English");
+        data = startGData();
+        QVERIFY(!data->m_pCamCfg->unreadable());
+        QCOMPARE(data->m_nReferralCriterion, 2);
+    }
+
     // A save replaces the file whole, UTF-8 included, and leaves nothing
     // beside it; one that fails halfway (a file-size limit standing in for a
     // full disk or a power cut) leaves the old settings whole.

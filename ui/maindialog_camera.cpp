@@ -94,6 +94,16 @@ void MainDialog::stopWorkers()
 
 void MainDialog::on_buttonCamera_clicked()
 {
+    // Judging a child needs the clinic's referral criterion, which lives in
+    // the settings file; factory settings would judge by the wrong one.
+    if (g_pData->m_pCamCfg->unreadable()) {
+        showMessage(tr("Error"),
+                    tr("The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off "
+                       "until the device is serviced.")
+                        .arg(g_pData->m_pCamCfg->configFilePath()),
+                    QString(), tr("OK"), QString());
+        return;
+    }
     if (uiMenu->stackedWidgetWithMenu->currentIndex() == 0) {
         g_pData->m_strName = uiInfo->editName->text().trimmed();
         if (g_pData->m_strName.isEmpty()) {

@@ -735,6 +735,10 @@
         <source>The history could not be read or written; nothing was deleted.</source>
         <translation>The history could not be read or written; nothing was deleted.</translation>
     </message>
+    <message>
+        <source>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</source>
+        <translation>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

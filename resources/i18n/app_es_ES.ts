@@ -735,6 +735,10 @@
         <source>The history could not be read or written; nothing was deleted.</source>
         <translation>No se pudo leer o escribir el historial; no se eliminó nada.</translation>
     </message>
+    <message>
+        <source>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</source>
+        <translation>No se puede leer el archivo de ajustes %1, así que se desconoce el criterio de remisión. El cribado queda desactivado hasta que se revise el equipo.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

@@ -735,6 +735,10 @@
         <source>The history could not be read or written; nothing was deleted.</source>
         <translation>无法读取或写入历史记录，未删除任何记录。</translation>
     </message>
+    <message>
+        <source>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</source>
+        <translation>无法读取设置文件 %1，转诊标准未知。在设备检修之前无法进行筛查。</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
