@@ -95,6 +95,12 @@ ScriptedOperator::ScriptedOperator(QWidget *device, const QString &screensDir, B
         return;
     }
 
+    const int soak = qEnvironmentVariableIntValue("ORVELLA_SIM_SOAK");
+    if (soak > 0) {
+        addSoak(soak);
+        addFinish();
+        return;
+    }
     m_steps = {
         // The camera's warm-up recording runs for its first six seconds;
         // a screening started before it ends would be cut short by it.
@@ -281,6 +287,80 @@ void ScriptedOperator::addFinish()
                            QCoreApplication::exit(0);
                        },
                        0});
+}
+
+namespace {
+
+// Resident memory in KiB, open descriptors and threads of this process.
+QString processFigures()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    QString rss;
+    QString threads;
+    if (status.open(QIODevice::ReadOnly)) {
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith("VmRSS:"))
+                rss = QString::fromLatin1(line.mid(6).simplified().split(' ').value(0));
+            else if (line.startsWith("Threads:"))
+                threads = QString::fromLatin1(line.mid(8).simplified());
+        }
+    }
+    const int descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size();
+    return QStringLiteral("rss_kib=%1 fds=%2 threads=%3").arg(rss).arg(descriptors).arg(threads);
+}
+
+} // namespace
+
+void ScriptedOperator::addSoak(int count)
+{
+    const auto base = [this] {
+        return m_device->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetBase"));
+    };
+    const auto onResultPage = [base] {
+        auto *menu = base()->findChild<QStackedWidget *>(QStringLiteral("stackedWidgetWithMenu"));
+        return base()->currentIndex() == 1 && menu->currentWidget()->objectName() == QLatin1String("pageResult");
+    };
+    m_steps.push_back(
+        {QStringLiteral("waits for the Wi-Fi network, the network time and the camera's warm-up"),
+         [base] { return base()->currentIndex() == 1 && g_pData->m_nCameraMode == 0 && g_pData->isNetworkReady(); },
+         [this] {
+             // A short flash sequence keeps 500 children within half an
+             // hour; no mail, so that the mail server's pace is not measured.
+             CamCfg &cfg = *g_pData->m_pCamCfg;
+             cfg.setValue(CamCfg::LedLoop, QStringLiteral("1"));
+             cfg.setValue(CamCfg::AutoCapture, QStringLiteral("1"));
+             cfg.setValue(CamCfg::EmailReporting, QStringLiteral("0"));
+             cfg.dogenCurrentCFG();
+             cfg.saveCFG2File();
+             g_pData->m_nLedLoop = 1;
+             g_pData->m_bAutoCapture = 1;
+             say(QStringLiteral("soak: 0 ") + processFigures());
+         },
+         500});
+    for (int child = 1; child <= count; ++child) {
+        m_steps.push_back({QStringLiteral("types child %1").arg(child), [] { return true; },
+                           [this, child] {
+                               if (child > 1)
+                                   click("buttonResultNext");
+                               m_device->findChild<QLineEdit *>(QStringLiteral("editName"))
+                                   ->setText(QStringLiteral("Soak Child %1").arg(child));
+                               m_device->findChild<QLineEdit *>(QStringLiteral("editDate"))
+                                   ->setText(QStringLiteral("2018-05-04"));
+                               click("buttonCamera");
+                           },
+                           0});
+        m_steps.push_back({QStringLiteral("aims at child %1").arg(child),
+                           [base] { return base()->currentIndex() == 3 && g_pData->m_nCameraMode == 1; },
+                           [] { setScene(1080, 0, 5); }, 0});
+        m_steps.push_back({QStringLiteral("waits for child %1's recording").arg(child),
+                           [] { return g_pData->m_nCameraMode == 2; }, [] {}, 0, 15000});
+        m_steps.push_back({QStringLiteral("waits for child %1's result").arg(child), onResultPage,
+                           [this, child] {
+                               say(QStringLiteral("soak: %1 ").arg(child) + processFigures() +
+                                   QStringLiteral(" result=") + g_pData->m_strResult);
+                           },
+                           0, 30000});
+    }
 }
 
 ScriptedOperator::~ScriptedOperator()

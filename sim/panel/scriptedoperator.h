@@ -79,6 +79,9 @@ private:
     // Reads the version on the machine identity page.
     void addVersionCheck(const QString &what, const QString &screen);
     void addFinish();
+    // The soak run: `count` children screened one after the other, with the
+    // process's memory, descriptors and threads reported after each.
+    void addSoak(int count);
     QStringList receiptPictures() const;
     void answerMessageBox();
     QStringList historyRows() const;
