@@ -4,7 +4,9 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QElapsedTimer>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <csignal>
 #include <sys/socket.h>
@@ -44,7 +46,7 @@ void catchTerminationSignals()
     ::sigaction(SIGINT, &action, nullptr);
 }
 
-void quitOnTerminationSignals(QCoreApplication *app)
+void quitOnTerminationSignals(QCoreApplication *app, std::function<bool()> busy, int longestWaitMs)
 {
     catchTerminationSignals();
     if (s_signalPipe[1] < 0)
@@ -52,10 +54,27 @@ void quitOnTerminationSignals(QCoreApplication *app)
     // The notifier is level-triggered: a byte written before the loop started
     // is seen on its first pass, and quit() is only heard inside the loop.
     auto *notifier = new QSocketNotifier(s_signalPipe[1], QSocketNotifier::Read, app);
-    QObject::connect(notifier, &QSocketNotifier::activated, app, [app]() {
+    QObject::connect(notifier, &QSocketNotifier::activated, app, [app, busy, longestWaitMs]() {
         char number = 0;
-        if (::read(s_signalPipe[1], &number, 1) == 1)
+        if (::read(s_signalPipe[1], &number, 1) != 1)
+            return;
+        if (!busy || !busy()) {
             qDebug("signal %d: leaving", number);
-        app->quit();
+            app->quit();
+            return;
+        }
+        qDebug("signal %d: leaving once the running job ends", number);
+        auto *poll = new QTimer(app);
+        auto *waited = new QElapsedTimer;
+        waited->start();
+        QObject::connect(poll, &QTimer::timeout, app, [app, poll, waited, busy, longestWaitMs]() {
+            if (busy() && waited->elapsed() < longestWaitMs)
+                return;
+            qDebug("leaving after %lld ms", static_cast<long long>(waited->elapsed()));
+            delete waited;
+            poll->deleteLater();
+            app->quit();
+        });
+        poll->start(100);
     });
 }

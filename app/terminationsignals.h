@@ -2,6 +2,8 @@
 // Turns SIGTERM and SIGINT into a normal return from the event loop.
 #pragma once
 
+#include <functional>
+
 class QCoreApplication;
 
 // The device itself is switched off rather than stopped, but the simulator and
@@ -13,5 +15,8 @@ class QCoreApplication;
 void catchTerminationSignals();
 
 // Once the application object exists: a signal held since the start, or any
-// later one, makes its event loop return as soon as the loop runs.
-void quitOnTerminationSignals(QCoreApplication *app);
+// later one, makes its event loop return as soon as the loop runs. While
+// `busy` says a job runs (an upload whose child's result is not saved yet),
+// the stop waits for it, for at most `longestWaitMs`: quitting ends every
+// nested event loop, and the job would return as a failure.
+void quitOnTerminationSignals(QCoreApplication *app, std::function<bool()> busy = {}, int longestWaitMs = 120000);

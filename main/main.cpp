@@ -32,7 +32,7 @@ int main(int argc, char *argv[])
     // a service shell, a test) must not kill the program half-started.
     catchTerminationSignals();
     Application app(argc, argv);
-    quitOnTerminationSignals(&app);
+    quitOnTerminationSignals(&app, [] { return g_pData && g_pData->isBusy(); });
 
     // Translations and C strings are UTF-8 already; only the locale codec,
     // which turns texts into bytes for files and commands, needs setting.

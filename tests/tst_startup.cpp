@@ -5,9 +5,14 @@
 #include "common.h"
 #include "messagehandler.h"
 #include "platform.h"
+#include "terminationsignals.h"
 #include "testsupport.h"
 
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QCoreApplication>
 #include <QProcess>
+#include <QTimer>
 #include <QRegularExpression>
 #include <QTemporaryFile>
 #include <QTest>
@@ -183,6 +188,55 @@ private slots:
         QTest::newRow("first start") << QByteArray() << shown;
         QTest::newRow("unknown language") << QByteArray("225|1|50|5|5|1920*1080|h:15000|0|-1|-1|0|0|Klingon") << shown;
         QTest::newRow("stopped while starting") << QByteArray() << QByteArray("\n");
+    }
+
+    // A stop during a job (an upload whose result is not saved yet) lets the
+    // job's own event loop end by itself, then leaves; a job that never ends
+    // holds the stop no longer than the bound.
+    void stopWaitsForTheRunningJob_data()
+    {
+        QTest::addColumn<int>("jobEndsMs");
+        QTest::newRow("job ends") << 300;
+        QTest::newRow("job hangs") << -1;
+    }
+
+    void stopWaitsForTheRunningJob()
+    {
+        QFETCH(int, jobEndsMs);
+        static bool busy = false;
+        static bool installed = false;
+        if (!installed) {
+            catchTerminationSignals();
+            quitOnTerminationSignals(QCoreApplication::instance(), [] { return busy; }, 600);
+            installed = true;
+        }
+        busy = true;
+        // The job's dialog runs its own loop inside the program's loop, as
+        // the upload dialog does inside the application's.
+        int jobEnded = -2;
+        QTimer::singleShot(0, [&jobEnded, jobEndsMs] {
+            QEventLoop job;
+            if (jobEndsMs > 0) {
+                QTimer::singleShot(jobEndsMs, &job, [&job] {
+                    busy = false;
+                    job.exit(7);
+                });
+            }
+            jobEnded = job.exec();
+            busy = false;
+        });
+        QTimer::singleShot(50, [] { ::raise(SIGTERM); });
+        QTimer::singleShot(5000, [] { QCoreApplication::exit(99); });
+        QElapsedTimer elapsed;
+        elapsed.start();
+        QCOMPARE(QCoreApplication::exec(), 0);
+        if (jobEndsMs > 0) {
+            QCOMPARE(jobEnded, 7);
+            QVERIFY(elapsed.elapsed() >= jobEndsMs);
+        } else {
+            QCOMPARE(jobEnded, 0);
+            QVERIFY2(elapsed.elapsed() >= 600 && elapsed.elapsed() < 2000, qPrintable(QString::number(elapsed.elapsed())));
+        }
     }
 
     void programStartsAndExitsCleanly()

@@ -334,6 +334,8 @@ private:
     int m_nStableAim = 0;
 
     // Worker threads (maindialog_camera.cpp); stopped and joined on destruction.
+    // How long a stop waits for each worker to finish its step.
+    static constexpr int kWorkerStopMs = 5000;
     std::unique_ptr<CameraThread> m_pCameraThread;
     std::unique_ptr<VideoThread> m_pVideoThread;
     std::unique_ptr<DeviceThread> m_pDeviceThread;

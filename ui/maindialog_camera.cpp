@@ -84,10 +84,22 @@ void MainDialog::stopWorkers()
         if (thread)
             thread->requestInterruption();
     }
+    // A worker stuck in a call that never returns (a driver, a helper
+    // program) must not hold the stop for ever; it is left running and
+    // ends with the process.
     for (QThread *thread : threads) {
-        if (thread)
-            thread->wait();
+        if (thread && !thread->wait(kWorkerStopMs))
+            qWarning("%s did not stop within %d ms; left to end with the process",
+                     thread->metaObject()->className(), kWorkerStopMs);
     }
+    if (m_pCameraThread && m_pCameraThread->isRunning())
+        (void)m_pCameraThread.release();
+    if (m_pVideoThread && m_pVideoThread->isRunning())
+        (void)m_pVideoThread.release();
+    if (m_pDeviceThread && m_pDeviceThread->isRunning())
+        (void)m_pDeviceThread.release();
+    if (m_pHWThread && m_pHWThread->isRunning())
+        (void)m_pHWThread.release();
 }
 
 // --- starting a session ----------------------------------------------------
