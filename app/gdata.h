@@ -322,6 +322,9 @@ public:
     avi_t *m_pAvi = nullptr;
     std::atomic<qint64> m_nRecordStartTime{0};
     std::atomic<int> m_nRecordFrameCount{0};
+    // Set when a frame, the index or the header of the recording could not
+    // be written (a full disk): such a file is never uploaded.
+    std::atomic<int> m_bRecordingBroken{0};
     // Camera width by twice its height: the preview, then the whole luminance plane.
     std::vector<uint8_t> m_displayBuffer;
     std::atomic<unsigned int> m_nPreviewBrightness{0};

@@ -91,6 +91,7 @@ int GData::AVIFileOpen()
     m_pAvi = AVI_open_output_file(path.constData());
     if (!m_pAvi)
         return 0;
+    m_bRecordingBroken = 0;
     AVI_set_video(m_pAvi, kEncoderWidth, kEncoderHeight, 15.0, "H264");
     return 1;
 }
@@ -102,7 +103,10 @@ void GData::AVIFileWrite()
     if (!record)
         return;
     if (m_pAvi) {
-        AVI_write_frame(m_pAvi, record->data, record->size, record->keyFrame);
+        if (AVI_write_frame(m_pAvi, record->data, record->size, record->keyFrame) != 0) {
+            qDebug("AVIFileWrite: the frame could not be written");
+            m_bRecordingBroken = 1;
+        }
         // The recording must be whole on disk the moment it ends, even if
         // the battery gives out right after.
         if (::fdatasync(m_pAvi->fdes) != 0)
@@ -118,6 +122,10 @@ int GData::AVIFileClose()
         return -1;
     const int result = AVI_close(m_pAvi);
     m_pAvi = nullptr;
+    if (result != 0) {
+        qDebug("AVIFileClose: the recording could not be finished");
+        m_bRecordingBroken = 1;
+    }
     return result;
 }
 

@@ -17,6 +17,8 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTest>
+
+#include <algorithm>
 #include <QTimer>
 
 #include <memory>
@@ -301,6 +303,8 @@ private slots:
         QTest::newRow("empty reply") << int(Fault::EmptyReply) << "No response from the analysis server.";
         QTest::newRow("HTTP 500") << int(Fault::ServerError) << "The analysis server's answer could not be read.";
         QTest::newRow("short reply") << int(Fault::ShortReply) << "The analysis server's answer could not be read.";
+        QTest::newRow("recording not written")
+            << -1 << "The recording could not be written: the storage may be full. Please record again.";
     }
 
     void failedAnalysisReturnsToAiming()
@@ -310,13 +314,14 @@ private slots:
         auto server = startServer();
         if (!server)
             QSKIP("cannot listen on 127.0.0.47:15000");
-        server->setFault(static_cast<AnalysisServer::Fault>(fault));
+        server->setFault(static_cast<AnalysisServer::Fault>(std::max(fault, 0)));
         server->setSilenceMs(2500);
         m_data->m_nUploadTimeoutSeconds = 1;
         openCameraPage();
         aim(97, 0, 5);
         click("buttonPhoto");
         writeRecording();
+        m_data->m_bRecordingBroken = fault < 0 ? 1 : 0;
         QStringList messages;
         ModalResponder answer([&messages](QWidget *dialog) {
             // The progress dialog closes by itself; the error box is answered.
@@ -327,6 +332,7 @@ private slots:
         });
         QMetaObject::invokeMethod(m_window.get(), "video_thread_slot", Qt::DirectConnection, Q_ARG(int, 0));
         QCOMPARE(messages, QStringList{QStringLiteral("Error/") + message});
+        QCOMPARE(server->requestCount(), fault < 0 ? 0 : 1);
         QCOMPARE(m_data->m_nCameraMode.load(), 1);
         QCOMPARE(basePage(), int(MainDialog::BasePageCamera));
         for (const char *button : {"buttonFocusAuto", "buttonFlash", "buttonPhoto", "buttonCameraReturn"})

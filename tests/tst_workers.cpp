@@ -12,6 +12,8 @@
 
 #include <QElapsedTimer>
 #include <QTest>
+#include <sys/resource.h>
+#include <csignal>
 
 #include <memory>
 
@@ -179,6 +181,32 @@ private slots:
         QCOMPARE(done.at(0).toInt(), 0);
         QCOMPARE(recordedFrames(Platform::instance().recordingFile), 0);
         QCOMPARE(m_data->m_nCameraMode.load(), 3);
+    }
+
+    // A recording the disk could not take is marked, so that it is never
+    // uploaded; the next one with room again is whole and unmarked.
+    void aFullDiskMarksTheRecording()
+    {
+        startRecorder();
+        QCOMPARE(m_data->m_bRecordingBroken.load(), 0);
+        Reports done(m_video.get(), &VideoThread::video_thread_signal);
+        struct rlimit old = {};
+        ::getrlimit(RLIMIT_FSIZE, &old);
+        const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        struct rlimit full = old;
+        full.rlim_cur = 20000;
+        ::setrlimit(RLIMIT_FSIZE, &full);
+        armRecording();
+        const bool reported = done.wait(10000);
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        std::signal(SIGXFSZ, oldHandler);
+        QVERIFY(reported);
+        QCOMPARE(m_data->m_bRecordingBroken.load(), 1);
+        m_data->m_nCameraMode = 0;
+        armRecording();
+        QVERIFY(done.wait(10000));
+        QCOMPARE(m_data->m_bRecordingBroken.load(), 0);
+        expectFullRecording(recordedFrames(Platform::instance().recordingFile));
     }
 
     // --- normal recordings ---

@@ -404,14 +404,23 @@ void MainDialog::video_thread_slot(int)
         mark->show();
     uiCamera->labelNameCameraClock->hide();
 
+    // A recording torn by a full disk would be analysed as it is, and a
+    // server may well answer for what is left of it.
+    const bool broken = g_pData->m_bRecordingBroken != 0;
     UploadDlg upload;
-    upload.mode = 0;
-    upload.exec();
+    if (!broken) {
+        upload.mode = 0;
+        upload.exec();
+    }
 
     for (QWidget *button : std::initializer_list<QWidget *>{uiCamera->buttonFocusAuto, uiCamera->buttonFlash,
                                                             uiCamera->buttonPhoto, uiCamera->buttonCameraReturn})
         button->setEnabled(true);
-    if (upload.bResult) {
+    if (broken) {
+        showMessage(tr("Error"), tr("The recording could not be written: the storage may be full. Please record again."),
+                    QString(), tr("OK"), QString());
+        g_pData->m_nCameraMode = 1;
+    } else if (upload.bResult) {
         g_pData->m_nCameraMode = 0;
         pageResultShow();
         QTimer::singleShot(500, this, &MainDialog::onSendVideoReportTimeout);

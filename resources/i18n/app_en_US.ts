@@ -739,6 +739,10 @@
         <source>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</source>
         <translation>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</translation>
     </message>
+    <message>
+        <source>The recording could not be written: the storage may be full. Please record again.</source>
+        <translation>The recording could not be written: the storage may be full. Please record again.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

@@ -739,6 +739,10 @@
         <source>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</source>
         <translation>No se puede leer el archivo de ajustes %1, así que se desconoce el criterio de remisión. El cribado queda desactivado hasta que se revise el equipo.</translation>
     </message>
+    <message>
+        <source>The recording could not be written: the storage may be full. Please record again.</source>
+        <translation>No se pudo escribir la grabación: puede que el almacenamiento esté lleno. Vuelva a grabar.</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>

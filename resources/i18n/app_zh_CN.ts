@@ -739,6 +739,10 @@
         <source>The settings file %1 cannot be read, so the referral criterion is unknown. Screening is off until the device is serviced.</source>
         <translation>无法读取设置文件 %1，转诊标准未知。在设备检修之前无法进行筛查。</translation>
     </message>
+    <message>
+        <source>The recording could not be written: the storage may be full. Please record again.</source>
+        <translation>无法写入录像：存储空间可能已满。请重新录制。</translation>
+    </message>
 </context>
 <context>
     <name>NumKeypadDlg</name>
