@@ -3,51 +3,6 @@
 #include "previewconversion.h"
 
 #include <cstring>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
-namespace {
-
-// The copy of the luminance plane is written once and read by the display
-// much later: streaming stores keep it from evicting the rows being sampled
-// and spare reading each destination line before overwriting it.
-#if defined(__SSE2__)
-void copyRow(uint8_t *destination, const uint8_t *source, size_t bytes)
-{
-    size_t i = 0;
-    if (reinterpret_cast<uintptr_t>(destination) % 16 == 0) {
-        for (; i + 64 <= bytes; i += 64) {
-            const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source + i));
-            const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source + i + 16));
-            const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source + i + 32));
-            const __m128i d = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source + i + 48));
-            _mm_stream_si128(reinterpret_cast<__m128i *>(destination + i), a);
-            _mm_stream_si128(reinterpret_cast<__m128i *>(destination + i + 16), b);
-            _mm_stream_si128(reinterpret_cast<__m128i *>(destination + i + 32), c);
-            _mm_stream_si128(reinterpret_cast<__m128i *>(destination + i + 48), d);
-        }
-    }
-    std::memcpy(destination + i, source + i, bytes - i);
-}
-
-void finishCopies()
-{
-    _mm_sfence();
-}
-#else
-// ARM cores notice whole-line writes by themselves.
-void copyRow(uint8_t *destination, const uint8_t *source, size_t bytes)
-{
-    std::memcpy(destination, source, bytes);
-}
-
-void finishCopies()
-{
-}
-#endif
-
-} // namespace
 
 PreviewStatistics convert_raw_to_img_buffer_scale(const uint8_t *source, uint8_t *destination, int width, int height,
                                                   int previewWidth, int previewHeight)
@@ -68,14 +23,23 @@ PreviewStatistics convert_raw_to_img_buffer_scale(const uint8_t *source, uint8_t
     // no clearing first), and a row that the preview samples is sampled
     // while it is still in the cache: reading the frame twice would cost a
     // second trip to memory on every frame.
+    //
+    // The copy is memcpy, one row at a time so that a sampled row is still
+    // in the cache. Streaming stores of our own gained nothing measurable
+    // over it on x86 (they also push the display buffer, which a plain copy
+    // leaves in the cache, out to memory every frame) and were a second
+    // path that the board never ran; its cores detect whole-line writes and
+    // stream them by themselves.
     for (int r = 0; r < height; ++r) {
         const uint8_t *row = source + static_cast<size_t>(r) * rowBytes;
-        copyRow(destination + plane + static_cast<size_t>(r) * rowBytes, row, rowBytes);
+        std::memcpy(destination + plane + static_cast<size_t>(r) * rowBytes, row, rowBytes);
         if (r % step != 0 || r / step >= previewHeight)
             continue;
         const int y = r / step;
         uint8_t *out = destination + static_cast<size_t>(y) * static_cast<size_t>(w);
         if (step == 2) {
+            // Its own loop, so that the compiler sees a constant stride and
+            // loads the row de-interleaved (NEON vld2, SSE2 masks and packs).
             for (int x = 0; x < w; ++x)
                 out[x] = row[2 * x];
         } else {
@@ -88,7 +52,8 @@ PreviewStatistics convert_raw_to_img_buffer_scale(const uint8_t *source, uint8_t
         // k - w - 1: the up-left neighbour, which for the first pixel of a
         // row is the last pixel of the row two above. The first row and the
         // first pixel of the second row have no such neighbour and are left
-        // out.
+        // out. Per-row sums in 32 bits (enough for rows of up to 66 000
+        // pixels) keep the loop in vector lanes.
         const int first = y == 1 ? 1 : 0;
         const uint8_t *upLeft = out - w - 1;
         uint32_t rowSum = 0;
@@ -103,7 +68,6 @@ PreviewStatistics convert_raw_to_img_buffer_scale(const uint8_t *source, uint8_t
         squares += rowSquares;
         count += static_cast<uint64_t>(w - first);
     }
-    finishCopies();
 
     if (count > 0) {
         statistics.brightness = static_cast<unsigned int>(sum / count);
