@@ -5,6 +5,10 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QSettings>
+#include <QStringList>
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -114,6 +118,24 @@ bool Platform::load(const QString &path, QString *error)
             if (error)
                 *error = QStringLiteral("%1: %2 is not a number").arg(path, key);
         }
+    }
+    // A misspelt key would otherwise leave a device talking to a placeholder
+    // server without a word; the keys the start-up reads itself are known too.
+    QStringList unknown;
+    for (const QString &key : settings.allKeys()) {
+        const QByteArray name = key.toLatin1();
+        const bool known = name == "devices/simulated" ||
+                           std::any_of(std::begin(kStringKeys), std::end(kStringKeys),
+                                       [&](const StringKey &entry) { return name == entry.key; }) ||
+                           std::any_of(std::begin(kIntKeys), std::end(kIntKeys),
+                                       [&](const IntKey &entry) { return name == entry.key; });
+        if (!known)
+            unknown << key;
+    }
+    if (!unknown.isEmpty()) {
+        allUsable = false;
+        if (error)
+            *error = QStringLiteral("%1: unknown key(s) %2").arg(path, unknown.join(QStringLiteral(", ")));
     }
     return allUsable;
 }

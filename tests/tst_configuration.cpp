@@ -136,6 +136,32 @@ private slots:
         QVERIFY(!data->setSensorCalibrationData(sensor_calibrate_data_t()));
     }
 
+    // The deployment file shipped for the board uses only keys the program
+    // knows; a misspelt key or a port that is no number is reported.
+    void deploymentFileKeysAreKnown_data()
+    {
+        QTest::addColumn<QByteArray>("ini");
+        QTest::addColumn<QString>("reported");
+        QFile shipped(QStringLiteral(ORVELLA_SOURCE_DIR "/deploy/platform.ini"));
+        QVERIFY(shipped.open(QIODevice::ReadOnly));
+        QTest::newRow("shipped for the board") << shipped.readAll() << QString();
+        QTest::newRow("misspelt key") << QByteArray("[servers]\nmial=smtp.example\nmail_port=587\n")
+                                      << QStringLiteral("servers/mial");
+        QTest::newRow("port no number") << QByteArray("[servers]\nmail_port=smtp\n") << QStringLiteral("servers/mail_port");
+    }
+
+    void deploymentFileKeysAreKnown()
+    {
+        QFETCH(QByteArray, ini);
+        QFETCH(QString, reported);
+        m_device->writeFile(QStringLiteral("platform.ini"), ini);
+        Platform platform;
+        QString error;
+        const bool clean = platform.load(m_device->root() + QStringLiteral("/platform.ini"), &error);
+        QCOMPARE(clean, reported.isEmpty());
+        QVERIFY2(error.contains(reported), qPrintable(error));
+    }
+
     // A settings file that is there but cannot be read is left alone and
     // marked, never replaced by factory settings that would then judge
     // children by criterion 0.
