@@ -175,6 +175,8 @@ private slots:
                                        {"-2.675", "-2.68"}};
         for (const auto &row : rows)
             QTest::newRow(row[0]) << QString::fromLatin1(row[0]) << QString::fromLatin1(row[1]);
+        // Too large to take a hundredfold: shown as it is, never as "inf".
+        QTest::newRow("-1e307") << QStringLiteral("-1e307") << QLatin1Char('-') + QString::number(1e307, 'f', 2);
     }
 
     void dioptresShowASignAndTwoDecimals()
