@@ -6,6 +6,7 @@
 #include "hwthread.h"
 #include "platform.h"
 #include "simulatedcamera.h"
+#include "simulatedrangingsensor.h"
 #include "simulatedworld.h"
 #include "testsupport.h"
 #include "videothread.h"
@@ -232,19 +233,36 @@ private slots:
 
     // --- sensors while aiming ---
 
+    // A ranging chip that has stopped answering costs the distance, never the pitch.
+    void aimingValuesAreMeasuredOnlyWhileAiming_data()
+    {
+        QTest::addColumn<bool>("silentRangingChip");
+        QTest::newRow("healthy") << false;
+        QTest::newRow("silent ranging chip") << true;
+    }
+
     void aimingValuesAreMeasuredOnlyWhileAiming()
     {
+        QFETCH(bool, silentRangingChip);
+        SimulatedRangingSensor::instance().setSilent(silentRangingChip);
         SimulatedWorld::instance().pitchDegrees = 4;
         HWThread sensors;
         m_data->m_nPitch = 99;
+        m_data->m_nDistance = 0;
         sensors.start();
         QTest::qWait(300);
         QCOMPARE(m_data->m_nPitch.load(), 99);
         m_data->m_nCameraMode = 1;
         QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nPitch.load(), 4, 2000);
+        if (silentRangingChip) {
+            QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nDistance.load(), 200, 2000);
+            SimulatedWorld::instance().pitchDegrees = -3;
+            QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nPitch.load(), -3, 3000);
+        }
         m_data->m_nCameraMode = 0;
         sensors.requestInterruption();
         sensors.wait();
+        SimulatedRangingSensor::instance().setSilent(false);
     }
 
     void housekeepingWaitsWhileTheCameraWorks()
