@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -303,6 +304,9 @@ public:
     std::atomic<int> m_bPreviewEnabled{0};
     std::atomic<char> m_bTorchOn{0};
     std::atomic<char> m_bCameraOpen{0};
+    // Guards m_pV4l2Device, which the GUI and recording threads replace
+    // while the capture thread pulls frames from it.
+    std::mutex m_cameraMutex;
     std::unique_ptr<V4l2Device> m_pV4l2Device;
     std::unique_ptr<cedarxutil> m_pCedarx;
     void *m_pFrame = nullptr;

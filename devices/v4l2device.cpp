@@ -37,6 +37,9 @@ constexpr unsigned int kExposure = 0x980911; // V4L2_CID_EXPOSURE
 // Consecutive dequeue failures, counted for the whole process: a restarted
 // device object must not forget that the camera was already failing.
 std::atomic<int> s_dequeueFailures{0};
+// Set once a restart has been asked for: the failures that follow before the
+// program ends belong to the same incident and spend no more of the budget.
+std::atomic<bool> s_restartRequested{false};
 
 // Ends the application's event loop from whichever thread captures.
 void endEventLoop(int code)
@@ -82,6 +85,7 @@ int V4l2Device::failureCount()
 void V4l2Device::resetFailureCount()
 {
     s_dequeueFailures = 0;
+    s_restartRequested = false;
 }
 
 int V4l2Device::open_device()
@@ -269,6 +273,9 @@ int V4l2Device::pull_frame(void **start, unsigned int *physical, unsigned int *w
     record.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     record.memory = V4L2_MEMORY_MMAP;
 
+    // FD_SET of a closed device's -1 would write outside the set.
+    if (m_fd < 0)
+        return -1;
     fd_set readable;
     FD_ZERO(&readable);
     FD_SET(m_fd, &readable);
@@ -283,7 +290,7 @@ int V4l2Device::pull_frame(void **start, unsigned int *physical, unsigned int *w
     if (m_io.ioctl(m_fd, VIDIOC_DQBUF, &record) < 0) {
         qDebug("ioctl VIDIOC_DQBUF error");
         const int failures = ++s_dequeueFailures;
-        if (failures >= 2) {
+        if (failures >= 2 && !s_restartRequested) {
             qDebug("too much VIDIOC_DQBUF error, restart device");
             const int retries = cameraretry::get(m_retryFile);
             qDebug("RetryCount: %d", retries);
@@ -293,6 +300,7 @@ int V4l2Device::pull_frame(void **start, unsigned int *physical, unsigned int *w
                 // dead camera from restarting the program for ever.
                 cameraretry::set(m_retryFile, retries - 1);
                 s_dequeueFailures = 0;
+                s_restartRequested = true;
                 endEventLoop(1);
             }
         }

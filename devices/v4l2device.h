@@ -43,7 +43,8 @@ public:
 
     int fd() const { return m_fd; }
 
-    // The consecutive dequeue failures of the whole process.
+    // The consecutive dequeue failures of the whole process. A reset also
+    // forgets a restart already asked for.
     static int failureCount();
     static void resetFailureCount();
 

@@ -861,6 +861,12 @@ int SimulatedCamera::gain() const
     return m_gain;
 }
 
+int SimulatedCamera::framesDequeued() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return static_cast<int>(m_framesDrawn);
+}
+
 int SimulatedCamera::sceneRenders() const
 {
     return m_renderer.renderCount();

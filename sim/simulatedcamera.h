@@ -70,6 +70,7 @@ public:
     int exposure() const;
     int gain() const;
     int sceneRenders() const;
+    int framesDequeued() const;
 
 private:
     enum class BufferState { Dequeued, Queued, Done };

@@ -14,6 +14,7 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+#include <ctime>
 #include <memory>
 
 namespace {
@@ -228,6 +229,29 @@ private slots:
         SimulatedWorld::instance().ambientLight = 5;
         QVERIFY2(brightnessReaches([](int value) { return value <= 15; }),
                  qPrintable(QString::number(m_data->m_nPreviewBrightness)));
+        m_data->m_nCameraMode = 0;
+    }
+
+    // A camera that did not open at start-up costs no CPU while the page
+    // waits, and a press of the camera button opens it under the running
+    // capture thread, which then gets frames.
+    void aCameraMissingAtStartUpIsWaitedForQuietlyAndOpenedLater()
+    {
+        camera().setPresent(false);
+        QCOMPARE(m_data->V4l2DeviceOpen(), 0);
+        m_data->V4l2DeviceClose();
+        m_camera = std::make_unique<CameraThread>();
+        m_camera->start();
+        m_data->m_nCameraMode = 1;
+        const std::clock_t cpuBefore = std::clock();
+        QTest::qWait(600);
+        const double cpuMs = 1000.0 * double(std::clock() - cpuBefore) / CLOCKS_PER_SEC;
+        QVERIFY2(cpuMs < 150, qPrintable(QString::number(cpuMs)));
+
+        camera().setPresent(true);
+        const int dequeued = camera().framesDequeued();
+        QCOMPARE(m_data->V4l2DeviceOpen(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(camera().framesDequeued() > dequeued + 3, 3000);
         m_data->m_nCameraMode = 0;
     }
 
