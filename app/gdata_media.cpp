@@ -30,8 +30,10 @@ int GData::V4l2DeviceOpen()
     std::lock_guard<std::mutex> lock(m_cameraMutex);
     if (m_bCameraOpen)
         return 1;
+    const Platform &platform = Platform::instance();
     auto device = std::make_unique<V4l2Device>(kCameraWidth, kCameraHeight, cameraIo(),
-                                               Platform::instance().cameraRetryFile.toStdString());
+                                               platform.cameraRetryFile.toStdString(),
+                                               QFile::encodeName(platform.videoDevice).toStdString());
     bool started = device->open_device() == 0;
     if (started) {
         device->set_exposure(m_nExposure);

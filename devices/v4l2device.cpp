@@ -67,11 +67,12 @@ void printFormat(const v4l2_format &format)
 
 } // namespace
 
-V4l2Device::V4l2Device(int width, int height, VideoIo &io, std::string retryFile)
+V4l2Device::V4l2Device(int width, int height, VideoIo &io, std::string retryFile, std::string devicePath)
     : m_width(width)
     , m_height(height)
     , m_io(io)
     , m_retryFile(std::move(retryFile))
+    , m_devicePath(std::move(devicePath))
 {
 }
 
@@ -90,10 +91,10 @@ void V4l2Device::resetFailureCount()
 
 int V4l2Device::open_device()
 {
-    const int number = 0;
-    char path[32];
-    std::snprintf(path, sizeof path, "/dev/video%d", number);
-    m_fd = m_io.open(path, O_RDWR | O_NONBLOCK);
+    // The log names the node by its number, as it always has.
+    const size_t digits = m_devicePath.find_last_not_of("0123456789") + 1;
+    const int number = std::atoi(m_devicePath.c_str() + digits);
+    m_fd = m_io.open(m_devicePath.c_str(), O_RDWR | O_NONBLOCK);
     if (m_fd < 0) {
         qDebug("open_device FAIL");
         return -1;

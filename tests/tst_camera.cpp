@@ -199,6 +199,27 @@ private slots:
         QCOMPARE(data.V4l2DevicePullFrame(), 0);
     }
 
+    // The deployment file names the capture node; the simulated driver
+    // answers only at /dev/video0.
+    void theDeploymentsVideoNodeIsTheOneOpened_data()
+    {
+        QTest::addColumn<QString>("node");
+        QTest::addColumn<int>("opened");
+        QTest::newRow("the driver's node") << QStringLiteral("/dev/video0") << 1;
+        QTest::newRow("another node") << QStringLiteral("/dev/video3") << 0;
+    }
+
+    void theDeploymentsVideoNodeIsTheOneOpened()
+    {
+        QFETCH(QString, node);
+        QFETCH(int, opened);
+        Platform::instance().videoDevice = node;
+        GData &data = startGData();
+        QCOMPARE(data.V4l2DeviceOpen(), opened);
+        QCOMPARE(SimulatedCamera::instance().openDescriptors(), opened);
+        data.V4l2DeviceClose();
+    }
+
     void aQueueWithoutAWriterStopsGrowing()
     {
         GData &data = startGData();
