@@ -4,6 +4,8 @@
 #include "wifiparsers.h"
 #include "wifipwddlg.h"
 
+#include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
 #include <QMutexLocker>
@@ -207,6 +209,25 @@ private slots:
         QCOMPARE(commandsLike(QStringLiteral("udhcpc")), 1);
         m_data->getRSSI();
         QCOMPARE(int(m_data->m_nWifiRssi), 0);
+    }
+
+    // busybox's udhcpc -q alone retries for ever when no DHCP server
+    // answers; the refresh must get its thread back and keep reading the
+    // signal.
+    void aSilentDhcpServerCostsABoundedWait()
+    {
+        QVERIFY(QDir().mkpath(m_device->simDir() + QStringLiteral("/wifi")));
+        QFile silent(m_device->simDir() + QStringLiteral("/wifi/dhcp-silent"));
+        QVERIFY(silent.open(QIODevice::WriteOnly));
+        silent.close();
+        QElapsedTimer timer;
+        timer.start();
+        m_data->getWIFIInfo();
+        QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(m_data->wifiCurrentSsid, QStringLiteral("Clinic-Screening"));
+        QCOMPARE(commandsLike(QStringLiteral("udhcpc -i wlan0 -q")), 1);
+        m_data->getRSSI();
+        QVERIFY(m_data->m_nWifiRssi < 0);
     }
 
     // --- joining, switching, forgetting ---
