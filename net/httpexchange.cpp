@@ -31,21 +31,17 @@ int intervalMs(int timeoutSeconds)
     return qBound(0, timeoutSeconds, INT_MAX / 1000) * 1000;
 }
 
-// Qt reports an HTTP error status (404, 500, ...) as a reply error, yet the
-// server did answer, and its body is for the caller to judge. Only a failure
-// to get an answer at all counts as an error here.
+// Qt reports an HTTP error status (400, 404, 500, ...) as a reply error, yet
+// the server did answer, and its body (often the reason for a refusal) is for
+// the caller to judge. Only a failure to get a status at all counts as an
+// error here; Qt files some statuses (400 among them) as protocol errors, so
+// the status itself decides, not the error's range.
 bool serverAnswered(const QNetworkReply &reply)
 {
-    const QNetworkReply::NetworkError error = reply.error();
-    if (error == QNetworkReply::NoError)
+    if (reply.error() == QNetworkReply::NoError)
         return true;
-    if (!reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
-        return false;
-    const bool contentStatus = error >= QNetworkReply::ContentAccessDenied &&
-                               error <= QNetworkReply::UnknownContentError &&
-                               error != QNetworkReply::ContentReSendError;
-    const bool serverStatus = error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError;
-    return contentStatus || serverStatus;
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid() &&
+           reply.error() != QNetworkReply::OperationCanceledError;
 }
 
 void releaseLater(QNetworkReply *reply, QNetworkAccessManager *manager)

@@ -289,6 +289,10 @@ private slots:
         QTest::addColumn<QByteArray>("sentBody");
         QTest::newRow("get 404") << Helper::Get << 404 << "GET" << kFormType << QByteArray();
         QTest::newRow("post 500") << Helper::Post << 500 << "POST" << kFormType << kFormBody;
+        // A refusal with its reason: Qt files 400 and 429 apart from the other 4xx statuses.
+        QTest::newRow("post 400") << Helper::Post << 400 << "POST" << kFormType << kFormBody;
+        QTest::newRow("file 429") << Helper::File << 429 << "POST"
+                                  << QByteArrayLiteral("multipart/form-data; boundary=") << QByteArray();
         QTest::newRow("json 200") << Helper::Json << 200 << "POST" << QByteArrayLiteral("application/json")
                                   << kJsonBody;
         QTest::newRow("file 404") << Helper::File << 404 << "POST"
