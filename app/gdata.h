@@ -8,7 +8,6 @@
 
 #include <QDate>
 #include <QDateTime>
-#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -339,7 +338,7 @@ public:
     // Wi-Fi state (gdata_wifi.cpp): replaced wholesale on each refresh.
     // The polling thread replaces the four lists and wifiCurrentSsid while
     // the GUI reads them: both sides hold wifiMutex for that.
-    mutable QMutex wifiMutex;
+    mutable std::mutex wifiMutex;
     QStringList wifiSsidList;
     QStringList wifiSignalList;
     QStringList wifiFlagsList;

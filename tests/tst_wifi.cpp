@@ -8,7 +8,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
-#include <QMutexLocker>
 #include <QPushButton>
 #include <QStandardItemModel>
 #include <QTableView>
@@ -54,7 +53,7 @@ private:
     void setLists(const QStringList &ssids, const QStringList &signalLevels, const QStringList &flags,
                   const QStringList &saved, const QString &current)
     {
-        QMutexLocker lock(&m_data->wifiMutex);
+        std::lock_guard<std::mutex> lock(m_data->wifiMutex);
         m_data->wifiSsidList = ssids;
         m_data->wifiSignalList = signalLevels;
         m_data->wifiFlagsList = flags;

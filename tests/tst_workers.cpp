@@ -9,6 +9,7 @@
 #include "simulatedrangingsensor.h"
 #include "simulatedworld.h"
 #include "testsupport.h"
+#include "threadjoin.h"
 #include "videothread.h"
 
 #include <QElapsedTimer>
@@ -89,8 +90,8 @@ private:
     {
         m_camera = std::make_unique<CameraThread>();
         m_video = std::make_unique<VideoThread>();
-        m_camera->start();
-        m_video->start();
+        threadjoin::start(m_camera.get());
+        threadjoin::start(m_video.get());
         QVERIFY(waitForMode(2, 3000));
         QVERIFY(waitForMode(0, 10000));
     }
@@ -117,7 +118,7 @@ private slots:
         for (QThread *thread : std::initializer_list<QThread *>{m_camera.get(), m_video.get()}) {
             if (thread) {
                 thread->requestInterruption();
-                thread->wait();
+                threadjoin::wait(thread);
             }
         }
         m_camera.reset();
@@ -140,8 +141,8 @@ private slots:
         Reports done(m_video.get(), &VideoThread::video_thread_signal);
         QElapsedTimer timer;
         timer.start();
-        m_camera->start();
-        m_video->start();
+        threadjoin::start(m_camera.get());
+        threadjoin::start(m_video.get());
         QVERIFY(waitForMode(2, 3000));
         QVERIFY(waitForMode(0, 12000));
         // The limit ends the recording: six seconds, not the frame count.
@@ -190,8 +191,8 @@ private slots:
         m_camera = std::make_unique<CameraThread>();
         m_video = std::make_unique<VideoThread>();
         Reports done(m_video.get(), &VideoThread::video_thread_signal);
-        m_camera->start();
-        m_video->start();
+        threadjoin::start(m_camera.get());
+        threadjoin::start(m_video.get());
         QVERIFY(waitForMode(2, 3000));
         QVERIFY(waitForMode(0, 10000));
         QTest::qWait(700);
@@ -211,7 +212,7 @@ private slots:
         QCOMPARE(m_data->V4l2DeviceOpen(), 1);
         m_data->m_bPreviewEnabled = 0;
         m_data->m_nCameraMode = 1;
-        m_camera->start();
+        threadjoin::start(m_camera.get());
         QTest::qWait(400);
         QCOMPARE(previews.count(), 0);
         SimulatedWorld::instance().ambientLight = 60;
@@ -241,7 +242,7 @@ private slots:
         QCOMPARE(m_data->V4l2DeviceOpen(), 0);
         m_data->V4l2DeviceClose();
         m_camera = std::make_unique<CameraThread>();
-        m_camera->start();
+        threadjoin::start(m_camera.get());
         m_data->m_nCameraMode = 1;
         const std::clock_t cpuBefore = std::clock();
         QTest::qWait(600);
@@ -273,7 +274,7 @@ private slots:
         HWThread sensors;
         m_data->m_nPitch = 99;
         m_data->m_nDistance = 0;
-        sensors.start();
+        threadjoin::start(&sensors);
         QTest::qWait(300);
         QCOMPARE(m_data->m_nPitch.load(), 99);
         m_data->m_nCameraMode = 1;
@@ -285,7 +286,7 @@ private slots:
         }
         m_data->m_nCameraMode = 0;
         sensors.requestInterruption();
-        sensors.wait();
+        threadjoin::wait(&sensors);
         SimulatedRangingSensor::instance().setSilent(false);
     }
 
@@ -295,13 +296,13 @@ private slots:
         Reports reports(&housekeeping, &DeviceThread::device_thread_signal);
         m_data->m_nCameraMode = 1;
         m_data->m_nWifiChanged = 1;
-        housekeeping.start();
+        threadjoin::start(&housekeeping);
         QTest::qWait(400);
         QCOMPARE(m_data->m_nWifiChanged.load(), 1);
         m_data->m_nCameraMode = 0;
         QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nWifiChanged.load(), 0, 3000);
         housekeeping.requestInterruption();
-        housekeeping.wait();
+        threadjoin::wait(&housekeeping);
     }
 };
 
