@@ -233,14 +233,26 @@ private slots:
         m_data->m_nCameraMode = 0;
     }
 
-    // A camera that did not open at start-up costs no CPU while the page
-    // waits, and a press of the camera button opens it under the running
-    // capture thread, which then gets frames.
-    void aCameraMissingAtStartUpIsWaitedForQuietlyAndOpenedLater()
+    // A camera that fails at once costs no CPU while the capture thread
+    // retries: one that did not open at start-up (a press of the camera
+    // button then opens it under the running thread), or a select that a
+    // signal keeps interrupting.
+    void aFailingCameraIsRetriedQuietlyAndRecovers_data()
     {
-        camera().setPresent(false);
-        QCOMPARE(m_data->V4l2DeviceOpen(), 0);
-        m_data->V4l2DeviceClose();
+        QTest::addColumn<bool>("missingAtStartUp");
+        QTest::newRow("missing at start-up") << true;
+        QTest::newRow("select interrupted") << false;
+    }
+
+    void aFailingCameraIsRetriedQuietlyAndRecovers()
+    {
+        QFETCH(bool, missingAtStartUp);
+        camera().setPresent(!missingAtStartUp);
+        QCOMPARE(m_data->V4l2DeviceOpen(), missingAtStartUp ? 0 : 1);
+        if (missingAtStartUp)
+            m_data->V4l2DeviceClose();
+        else
+            camera().failNextSelects(1 << 30);
         m_camera = std::make_unique<CameraThread>();
         threadjoin::start(m_camera.get());
         m_data->m_nCameraMode = 1;
@@ -249,9 +261,13 @@ private slots:
         const double cpuMs = 1000.0 * double(std::clock() - cpuBefore) / CLOCKS_PER_SEC;
         QVERIFY2(cpuMs < 150, qPrintable(QString::number(cpuMs)));
 
-        camera().setPresent(true);
         const int dequeued = camera().framesDequeued();
-        QCOMPARE(m_data->V4l2DeviceOpen(), 1);
+        if (missingAtStartUp) {
+            camera().setPresent(true);
+            QCOMPARE(m_data->V4l2DeviceOpen(), 1);
+        } else {
+            camera().failNextSelects(0);
+        }
         QTRY_VERIFY_WITH_TIMEOUT(camera().framesDequeued() > dequeued + 3, 3000);
         m_data->m_nCameraMode = 0;
     }
