@@ -10,6 +10,8 @@ namespace {
 unsigned int s_frameCounter = 0;
 int s_previewPrepared = 0;
 
+constexpr unsigned long kFailedPullPauseMs = 50;
+
 } // namespace
 
 CameraThread::CameraThread(QObject *parent)
@@ -30,8 +32,13 @@ void CameraThread::run()
                 msleep(100);
                 break;
             }
-            if (!data->V4l2DevicePullFrame())
+            // A camera that is missing or failing fails at once, select
+            // interrupted by a signal too: without a pause this loop would
+            // spin at full speed until the camera recovers.
+            if (!data->V4l2DevicePullFrame()) {
+                msleep(kFailedPullPauseMs);
                 break;
+            }
             // The flash fires on odd frames only; those are the recording,
             // at half the camera's rate, which is what the file declares.
             // A frame the encoder refuses (its stream not started yet, or

@@ -8,10 +8,11 @@
 #include <QDateTime>
 #include <QDebug>
 #include <QFile>
-#include <QMutex>
 #include <QUrl>
 
 #include <atomic>
+#include <mutex>
+#include <utility>
 
 namespace {
 
@@ -134,11 +135,24 @@ bool common::uploadInProgress()
     return s_uploadsInProgress > 0;
 }
 
+namespace {
+
+std::mutex s_addressMutex;
+macaddress::Lister s_interfaceSource = macaddress::systemInterfaces;
+QString s_cachedAddress;
+
+} // namespace
+
 QString common::GetETNetMACAddress()
 {
-    static QMutex mutex;
-    static QString cached;
-    QMutexLocker locker(&mutex);
-    return macaddress::lookup(cached, macaddress::systemInterfaces,
+    std::lock_guard<std::mutex> locker(s_addressMutex);
+    return macaddress::lookup(s_cachedAddress, s_interfaceSource,
                               [this](const QString &text) { saveLOG2File(text); });
+}
+
+void common::setInterfaceSource(macaddress::Lister lister)
+{
+    std::lock_guard<std::mutex> locker(s_addressMutex);
+    s_interfaceSource = std::move(lister);
+    s_cachedAddress.clear();
 }

@@ -2,6 +2,8 @@
 // Tagged debug lines, the blocking HTTP requests and the device's hardware address.
 #pragma once
 
+#include "macaddress.h"
+
 #include <QByteArray>
 #include <QMap>
 #include <QObject>
@@ -43,6 +45,9 @@ public:
 
     // Upper case, colon-separated; empty while no interface but loopback is up.
     QString GetETNetMACAddress();
+    // Where the interfaces are listed from: the system's by default. A new
+    // source also forgets the address found so far, for the whole process.
+    static void setInterfaceSource(macaddress::Lister lister);
 
 private:
     QString m_strVersion;

@@ -9,7 +9,6 @@
 
 #include <QDate>
 #include <QDateTime>
-#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -18,6 +17,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -308,6 +308,9 @@ public:
     std::atomic<int> m_bPreviewEnabled{0};
     std::atomic<char> m_bTorchOn{0};
     std::atomic<char> m_bCameraOpen{0};
+    // Guards m_pV4l2Device, which the GUI and recording threads replace
+    // while the capture thread pulls frames from it.
+    std::mutex m_cameraMutex;
     std::unique_ptr<V4l2Device> m_pV4l2Device;
     std::unique_ptr<cedarxutil> m_pCedarx;
     void *m_pFrame = nullptr;
@@ -343,7 +346,7 @@ public:
     // Wi-Fi state (gdata_wifi.cpp): replaced wholesale on each refresh.
     // The polling thread replaces the four lists and wifiCurrentSsid while
     // the GUI reads them: both sides hold wifiMutex for that.
-    mutable QMutex wifiMutex;
+    mutable std::mutex wifiMutex;
     QStringList wifiSsidList;
     QStringList wifiSignalList;
     QStringList wifiFlagsList;

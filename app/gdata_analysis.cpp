@@ -4,25 +4,12 @@
 
 #include "analysisreply.h"
 #include "common.h"
+#include "jsonreply.h"
 #include "platform.h"
 #include "region.h"
 
 #include <QDebug>
 #include <QMap>
-
-#include <cjson/cJSON.h>
-
-namespace {
-
-const cJSON *jsonItem(const cJSON *object, const char *name, const QString &reply)
-{
-    const cJSON *item = object ? cJSON_GetObjectItem(object, name) : nullptr;
-    if (!item)
-        qDebug("cJSON_GetObjectItem Error: %s %s", name, reply.toLocal8Bit().constData());
-    return item;
-}
-
-} // namespace
 
 bool GData::uploadAVIFile()
 {
@@ -84,34 +71,17 @@ QString GData::toOpticFloat(const QString &text) const
 
 bool GData::getJsonString(const cJSON *object, const char *name, const QString &reply, QString &value)
 {
-    const cJSON *item = jsonItem(object, name, reply);
-    if (!item)
-        return false;
-    char *text = cJSON_PrintUnformatted(item);
-    if (!text)
-        return false;
-    value = QString::fromUtf8(text);
-    cJSON_free(text);
-    return true;
+    return jsonreply::string(object, name, reply, value);
 }
 
 bool GData::getJsonStringValue(const cJSON *object, const char *name, const QString &reply, QString &value)
 {
-    const cJSON *item = jsonItem(object, name, reply);
-    if (!cJSON_IsString(item) || !item->valuestring)
-        return false;
-    value = QString::fromUtf8(item->valuestring);
-    return true;
+    return jsonreply::stringValue(object, name, reply, value);
 }
 
 bool GData::getJsonIntValue(const cJSON *object, const char *name, const QString &reply, int &value)
 {
-    const cJSON *item = jsonItem(object, name, reply);
-    if (!cJSON_IsNumber(item))
-        return false;
-    // cJSON has already clamped the number to the range of an int.
-    value = item->valueint;
-    return true;
+    return jsonreply::intValue(object, name, reply, value);
 }
 
 QString GData::getRegionString() const

@@ -24,20 +24,29 @@ VideoIo &GData::cameraIo()
 
 int GData::V4l2DeviceOpen()
 {
+    // The camera button and the recording thread both open the camera while
+    // the capture thread pulls from it: the device is built and started
+    // aside, and only a working one takes its place.
+    std::lock_guard<std::mutex> lock(m_cameraMutex);
     if (m_bCameraOpen)
         return 1;
-    m_pV4l2Device = std::make_unique<V4l2Device>(kCameraWidth, kCameraHeight, cameraIo(),
-                                                 Platform::instance().cameraRetryFile.toStdString());
-    if (m_pV4l2Device->open_device() != 0) {
+    const Platform &platform = Platform::instance();
+    auto device = std::make_unique<V4l2Device>(kCameraWidth, kCameraHeight, cameraIo(),
+                                               platform.cameraRetryFile.toStdString(),
+                                               QFile::encodeName(platform.videoDevice).toStdString());
+    bool started = device->open_device() == 0;
+    if (started) {
+        device->set_exposure(m_nExposure);
+        device->set_gain(m_nGain);
+        started = device->start_capture() == 0;
+    }
+    if (!started) {
         qDebug("m_pV4l2Device open_device Error!");
+        device->stop_capture();
+        device->close_device();
         return 0;
     }
-    m_pV4l2Device->set_exposure(m_nExposure);
-    m_pV4l2Device->set_gain(m_nGain);
-    if (m_pV4l2Device->start_capture() != 0) {
-        qDebug("m_pV4l2Device open_device Error!");
-        return 0;
-    }
+    m_pV4l2Device = std::move(device);
     m_pCedarx = std::make_unique<cedarxutil>(kEncoderWidth, kEncoderHeight, kEncoderWidth, kEncoderHeight);
     m_bCameraOpen = 1;
     return 1;
@@ -45,6 +54,7 @@ int GData::V4l2DeviceOpen()
 
 void GData::applyCameraControls()
 {
+    std::lock_guard<std::mutex> lock(m_cameraMutex);
     if (!m_pV4l2Device)
         return;
     m_pV4l2Device->set_exposure(m_nExposure);
@@ -53,6 +63,7 @@ void GData::applyCameraControls()
 
 void GData::V4l2DeviceClose()
 {
+    std::lock_guard<std::mutex> lock(m_cameraMutex);
     if (m_pCedarx)
         m_pCedarx->CloseCedarX();
     if (!m_pV4l2Device)
@@ -67,6 +78,7 @@ void GData::V4l2DeviceClose()
 
 int GData::V4l2DevicePullFrame()
 {
+    std::lock_guard<std::mutex> lock(m_cameraMutex);
     if (!m_pV4l2Device)
         return 0;
     return m_pV4l2Device->pull_frame(&m_pFrame, &m_nFramePhysical, &m_nFrameWord, &m_nFrameLength, true) == 0 ? 1 : 0;
@@ -74,6 +86,7 @@ int GData::V4l2DevicePullFrame()
 
 int GData::V4l2DevicePushFrame()
 {
+    std::lock_guard<std::mutex> lock(m_cameraMutex);
     if (!m_pV4l2Device)
         return -1;
     return m_pV4l2Device->push_frame();

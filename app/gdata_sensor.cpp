@@ -20,6 +20,7 @@ constexpr int kNoReading = 200;
 constexpr int kDataPolls = 4;
 constexpr int kDataPollWaitMs = 50;
 constexpr int kBootPollWaitMs = 200;
+constexpr int kBootPolls = 5;
 constexpr uint8_t kMissesBeforeRelease = 21;
 
 // The sensor sits this far behind the reference the working range is
@@ -57,12 +58,19 @@ int GData::initRangingSensor(int bus, unsigned char address)
     VL53L1_RdWord(m_nSensorHandle, vl53l1x::kModelIdRegister, &modelId);
     qDebug("VL53L1X: %X\n", modelId);
 
-    // No limit: the chip boots within milliseconds of power-up, and ranging
-    // before it has booted is not possible at all.
+    // The chip boots within milliseconds of power-up. One that has not
+    // answered within a second has stopped answering on a bus node that still
+    // exists (a failed read counts as not booted): waiting longer would hold
+    // the sensor thread, and the pitch readings with it, for good.
     uint8_t booted = 0;
-    while (!booted) {
+    for (int poll = 0; poll < kBootPolls && !booted; ++poll) {
         VL53L1X_BootState(m_nSensorHandle, &booted);
         VL53L1_WaitMs(m_nSensorHandle, kBootPollWaitMs);
+    }
+    if (!booted) {
+        qDebug("VL53L1X did not boot");
+        VL53L1X_UltraLite_Linux_I2C_Deinit();
+        return -1;
     }
     qDebug("Chip booted");
 

@@ -6,11 +6,14 @@
 #include "cmdutil.h"
 #include "common.h"
 #include "firmwareupdate.h"
+#include "httpexchange.h"
 #include "platform.h"
 
 #include <QDebug>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QSaveFile>
+#include <QUrl>
 
 namespace {
 
@@ -106,16 +109,30 @@ bool GData::versionDownlod()
 {
     const QString firmwareFileUrl = versionFileUrl(m_strNewVerFile);
     qDebug("firmwareFileUrl: %s", firmwareFileUrl.toLocal8Bit().constData());
-    QByteArray data;
-    if (!httpGetRequest(firmwareFileUrl, 60, data)) {
+    // A program image is megabytes: it goes into its file as it arrives, not
+    // into memory. QSaveFile syncs it on commit, so the start-up script never
+    // finds a new program whose bytes are still in the page cache; an
+    // uncommitted one is discarded.
+    QSaveFile file(updateFile("/orvella.tmp"));
+    if (!file.open(QIODevice::WriteOnly)) {
+        qDebug("versionSave failed");
+        return false;
+    }
+    httpexchange::Request request;
+    request.url = QUrl(firmwareFileUrl);
+    request.timeoutSeconds = 60;
+    request.contentType = QByteArrayLiteral("application/x-www-form-urlencoded");
+    request.sink = &file;
+    QByteArray unused;
+    if (!httpexchange::get(request, unused) || !file.flush()) {
         qDebug("httpGetRequest failed!");
         return false;
     }
-    if (data.size() != m_nNewVerSize) {
-        qDebug("versionDownlod len error %d %d", m_nNewVerSize, data.size());
+    if (file.size() != m_nNewVerSize) {
+        qDebug("versionDownlod len error %d %d", m_nNewVerSize, static_cast<int>(file.size()));
         return false;
     }
-    if (!versionSave(data)) {
+    if (!file.commit()) {
         qDebug("versionSave failed");
         return false;
     }

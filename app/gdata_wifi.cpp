@@ -5,7 +5,6 @@
 #include "cmdutil.h"
 #include "wifiparsers.h"
 
-#include <QMutexLocker>
 #include <QThread>
 
 namespace {
@@ -63,7 +62,7 @@ void GData::getRSSI()
 void GData::analyseWIFIResult(const QString &text)
 {
     wifiparsers::AccessPointList inRange = wifiparsers::parseScanResults(text);
-    QMutexLocker lock(&wifiMutex);
+    std::lock_guard<std::mutex> lock(wifiMutex);
     wifiSsidList = std::move(inRange.ssids);
     wifiSignalList = std::move(inRange.signalLevels);
     wifiFlagsList = std::move(inRange.flags);
@@ -72,7 +71,7 @@ void GData::analyseWIFIResult(const QString &text)
 void GData::analyseWIFIAPList(const QString &text)
 {
     QStringList saved = wifiparsers::parseSavedNetworks(text);
-    QMutexLocker lock(&wifiMutex);
+    std::lock_guard<std::mutex> lock(wifiMutex);
     wifiSavedList = std::move(saved);
 }
 
@@ -81,7 +80,7 @@ void GData::analyseWIFIStatus(const QString &text)
     const wifiparsers::LinkStatus status = wifiparsers::parseStatus(text);
     const bool completed = status.state == QLatin1String("COMPLETED");
     {
-        QMutexLocker lock(&wifiMutex);
+        std::lock_guard<std::mutex> lock(wifiMutex);
         wifiCurrentSsid = completed ? status.ssid : QString();
     }
     // An address is asked for once per association, not at every refresh:

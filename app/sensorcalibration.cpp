@@ -18,7 +18,12 @@ bool read(const QString &path, sensor_calibrate_data_t &out)
         out = sensor_calibrate_data_t();
         return false;
     }
-    const QString text = QString::fromUtf8(file.readAll()).trimmed();
+    return parse(file.readAll(), out);
+}
+
+bool parse(const QByteArray &bytes, sensor_calibrate_data_t &out)
+{
+    const QString text = QString::fromUtf8(bytes).trimmed();
     const QStringList parts = text.split(QLatin1Char(','));
     if (parts.size() != 2) {
         qDebug() << "Invalid calibration file format:" << text;

@@ -37,6 +37,9 @@ constexpr unsigned int kExposure = 0x980911; // V4L2_CID_EXPOSURE
 // Consecutive dequeue failures, counted for the whole process: a restarted
 // device object must not forget that the camera was already failing.
 std::atomic<int> s_dequeueFailures{0};
+// Set once a restart has been asked for: the failures that follow before the
+// program ends belong to the same incident and spend no more of the budget.
+std::atomic<bool> s_restartRequested{false};
 
 // Ends the application's event loop from whichever thread captures.
 void endEventLoop(int code)
@@ -64,11 +67,12 @@ void printFormat(const v4l2_format &format)
 
 } // namespace
 
-V4l2Device::V4l2Device(int width, int height, VideoIo &io, std::string retryFile)
+V4l2Device::V4l2Device(int width, int height, VideoIo &io, std::string retryFile, std::string devicePath)
     : m_width(width)
     , m_height(height)
     , m_io(io)
     , m_retryFile(std::move(retryFile))
+    , m_devicePath(std::move(devicePath))
 {
 }
 
@@ -82,14 +86,15 @@ int V4l2Device::failureCount()
 void V4l2Device::resetFailureCount()
 {
     s_dequeueFailures = 0;
+    s_restartRequested = false;
 }
 
 int V4l2Device::open_device()
 {
-    const int number = 0;
-    char path[32];
-    std::snprintf(path, sizeof path, "/dev/video%d", number);
-    m_fd = m_io.open(path, O_RDWR | O_NONBLOCK);
+    // The log names the node by its number, as it always has.
+    const size_t digits = m_devicePath.find_last_not_of("0123456789") + 1;
+    const int number = std::atoi(m_devicePath.c_str() + digits);
+    m_fd = m_io.open(m_devicePath.c_str(), O_RDWR | O_NONBLOCK);
     if (m_fd < 0) {
         qDebug("open_device FAIL");
         return -1;
@@ -269,6 +274,9 @@ int V4l2Device::pull_frame(void **start, unsigned int *physical, unsigned int *w
     record.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
     record.memory = V4L2_MEMORY_MMAP;
 
+    // FD_SET of a closed device's -1 would write outside the set.
+    if (m_fd < 0)
+        return -1;
     fd_set readable;
     FD_ZERO(&readable);
     FD_SET(m_fd, &readable);
@@ -283,7 +291,7 @@ int V4l2Device::pull_frame(void **start, unsigned int *physical, unsigned int *w
     if (m_io.ioctl(m_fd, VIDIOC_DQBUF, &record) < 0) {
         qDebug("ioctl VIDIOC_DQBUF error");
         const int failures = ++s_dequeueFailures;
-        if (failures >= 2) {
+        if (failures >= 2 && !s_restartRequested) {
             qDebug("too much VIDIOC_DQBUF error, restart device");
             const int retries = cameraretry::get(m_retryFile);
             qDebug("RetryCount: %d", retries);
@@ -293,6 +301,7 @@ int V4l2Device::pull_frame(void **start, unsigned int *physical, unsigned int *w
                 // dead camera from restarting the program for ever.
                 cameraretry::set(m_retryFile, retries - 1);
                 s_dequeueFailures = 0;
+                s_restartRequested = true;
                 endEventLoop(1);
             }
         }

@@ -23,8 +23,10 @@ public:
     static constexpr unsigned int kBufferCount = 5;
 
     // io: the kernel or the simulated driver; retryFile: where the budget of
-    // automatic restarts after repeated capture failures is kept.
-    V4l2Device(int width, int height, VideoIo &io, std::string retryFile = "/tmp/camera.txt");
+    // automatic restarts after repeated capture failures is kept; devicePath:
+    // the capture node.
+    V4l2Device(int width, int height, VideoIo &io, std::string retryFile = "/tmp/camera.txt",
+               std::string devicePath = "/dev/video0");
     V4l2Device(const V4l2Device &) = delete;
     V4l2Device &operator=(const V4l2Device &) = delete;
     // Does nothing: close_device must have been called.
@@ -43,7 +45,8 @@ public:
 
     int fd() const { return m_fd; }
 
-    // The consecutive dequeue failures of the whole process.
+    // The consecutive dequeue failures of the whole process. A reset also
+    // forgets a restart already asked for.
     static int failureCount();
     static void resetFailureCount();
 
@@ -60,4 +63,5 @@ private:
 
     VideoIo &m_io;
     std::string m_retryFile;
+    std::string m_devicePath;
 };

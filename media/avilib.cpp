@@ -377,8 +377,15 @@ int avi_close_output_file(avi_t *AVI)
 int AVI_close(avi_t *AVI)
 {
     int result = 0;
-    if (AVI->mode == AVI_MODE_WRITE)
+    if (AVI->mode == AVI_MODE_WRITE) {
         result = avi_close_output_file(AVI);
+        // The file is uploaded next: its index and final header reach the
+        // disk now, not whenever the kernel gets round to them.
+        if (::fsync(AVI->fdes) != 0 && result == 0) {
+            AVI_errno = AVI_ERR_CLOSE;
+            result = -1;
+        }
+    }
     // A failing close can be the first sign of lost data on some file systems.
     if (::close(AVI->fdes) != 0 && result == 0) {
         AVI_errno = AVI_ERR_CLOSE;
@@ -428,12 +435,4 @@ void AVI_print_error(const char *text)
         errno = saved;
         std::perror("REASON");
     }
-}
-
-int AVI_set_position_for_test(avi_t *AVI, uint64_t position)
-{
-    if (::lseek(AVI->fdes, static_cast<off_t>(position), SEEK_SET) < 0)
-        return -1;
-    AVI->pos = position;
-    return 0;
 }

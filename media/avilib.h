@@ -72,7 +72,3 @@ uint64_t AVI_max_size();
 const char *AVI_strerror();
 // Prints "<text>: <error text>" to standard error, and the system's reason for file errors.
 void AVI_print_error(const char *text);
-
-// For tests only: moves the handle (and its descriptor) to an arbitrary offset, so that the
-// size limit can be reached without writing gigabytes. The gap reads back as zero bytes.
-int AVI_set_position_for_test(avi_t *AVI, uint64_t position);

@@ -31,21 +31,17 @@ int intervalMs(int timeoutSeconds)
     return qBound(0, timeoutSeconds, INT_MAX / 1000) * 1000;
 }
 
-// Qt reports an HTTP error status (404, 500, ...) as a reply error, yet the
-// server did answer, and its body is for the caller to judge. Only a failure
-// to get an answer at all counts as an error here.
+// Qt reports an HTTP error status (400, 404, 500, ...) as a reply error, yet
+// the server did answer, and its body (often the reason for a refusal) is for
+// the caller to judge. Only a failure to get a status at all counts as an
+// error here; Qt files some statuses (400 among them) as protocol errors, so
+// the status itself decides, not the error's range.
 bool serverAnswered(const QNetworkReply &reply)
 {
-    const QNetworkReply::NetworkError error = reply.error();
-    if (error == QNetworkReply::NoError)
+    if (reply.error() == QNetworkReply::NoError)
         return true;
-    if (!reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
-        return false;
-    const bool contentStatus = error >= QNetworkReply::ContentAccessDenied &&
-                               error <= QNetworkReply::UnknownContentError &&
-                               error != QNetworkReply::ContentReSendError;
-    const bool serverStatus = error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError;
-    return contentStatus || serverStatus;
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid() &&
+           reply.error() != QNetworkReply::OperationCanceledError;
 }
 
 void releaseLater(QNetworkReply *reply, QNetworkAccessManager *manager)
@@ -85,14 +81,41 @@ template <typename Issue> bool exchange(const Request &request, Issue issue, QBy
     QEventLoop loop;
     QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    // Taken as it arrives: into the sink, or checked against the limit while
+    // Qt holds it.
+    bool refused = false;
+    const auto take = [&] {
+        if (refused)
+            return;
+        if (request.sink) {
+            const QByteArray chunk = reply->readAll();
+            refused = request.sink->write(chunk) != chunk.size();
+        } else {
+            refused = reply->bytesAvailable() > request.maxReplyBytes;
+        }
+        if (refused)
+            loop.quit();
+    };
+    QObject::connect(reply, &QNetworkReply::readyRead, &loop, take);
     timer.start();
     if (!reply->isFinished())
         loop.exec();
+    take();
     if (request.inProgress)
         --*request.inProgress;
     logLine(request, request.logName + QStringLiteral(" ++ 1"));
 
-    if (!timer.isActive()) {
+    if (refused) {
+        QObject::disconnect(reply, nullptr, &loop, nullptr);
+        reply->abort();
+        releaseLater(reply, manager);
+        logLine(request, QStringLiteral("[R] reply past the limit or not stored"));
+        logLine(request, request.logName + QStringLiteral(" --"));
+        return false;
+    }
+    // A reply that finished in the same pass of the loop as the time-out is
+    // complete: it is kept.
+    if (!timer.isActive() && !reply->isFinished()) {
         QObject::disconnect(reply, nullptr, &loop, nullptr);
         reply->abort();
         releaseLater(reply, manager);
@@ -107,7 +130,7 @@ template <typename Issue> bool exchange(const Request &request, Issue issue, QBy
 
     bool answered = false;
     if (serverAnswered(*reply) && reply->isFinished()) {
-        body = reply->readAll();
+        body = request.sink ? QByteArray() : reply->readAll();
         if (request.log)
             logLine(request, QStringLiteral("[R] P [%1]").arg(QString::fromUtf8(body)));
         answered = true;

@@ -4,6 +4,7 @@
 
 #include "provisioningpin.h"
 #include "provisioningprotocol.h"
+#include "threadjoin.h"
 #include "wifiobject.h"
 
 #include <QDateTime>
@@ -61,11 +62,10 @@ ProvisioningServer::ProvisioningServer(QObject *parent)
         endpoint.thread = new QThread(this);
         endpoint.wifi = new WifiObject;
         endpoint.wifi->moveToThread(endpoint.thread);
-        connect(endpoint.thread, &QThread::finished, endpoint.wifi, &QObject::deleteLater);
         connect(endpoint.wifi, &WifiObject::finished, this,
                 [this, which](quint64 ticket, const QByteArray &reply) { commandFinished(which, ticket, reply); });
         connect(endpoint.wifi, &WifiObject::networkChanged, this, &ProvisioningServer::networkChanged);
-        endpoint.thread->start();
+        threadjoin::start(endpoint.thread);
     }
 }
 
@@ -78,8 +78,11 @@ ProvisioningServer::~ProvisioningServer()
     }
     for (Endpoint &endpoint : m_endpoints) {
         // A wpa_cli run that hangs past this is left to the process's end
-        // rather than freezing the device's shutdown.
-        if (!endpoint.thread->wait(kWorkerStopMs))
+        // rather than freezing the device's shutdown; a worker that ended
+        // leaves its object to be deleted here, after the join.
+        if (threadjoin::wait(endpoint.thread, kWorkerStopMs))
+            delete endpoint.wifi;
+        else
             log(QStringLiteral("provisioning worker still busy at exit"));
     }
 }

@@ -66,9 +66,11 @@ QString toOpticFloat(const QString &text)
     // "inf" and "nan" parse, but are no more a refraction than "abc".
     if (!ok || !std::isfinite(value) || std::fabs(value) < 0.005)
         return QStringLiteral("-0.00");
-    if (value > 0)
-        return QLatin1Char('+') + QString::number(std::floor(value * 100 + 0.5) / 100, 'f', 2);
-    return QLatin1Char('-') + QString::number(std::floor(-value * 100 + 0.5) / 100, 'f', 2);
+    // A magnitude this large has no hundredths to round, and a hundredfold of
+    // it would overflow to "inf".
+    const double magnitude = std::fabs(value);
+    const double rounded = magnitude < 1e15 ? std::floor(magnitude * 100 + 0.5) / 100 : magnitude;
+    return QLatin1Char(value > 0 ? '+' : '-') + QString::number(rounded, 'f', 2);
 }
 
 QString correctAxis(const QString &cylinder, const QString &axis)

@@ -639,6 +639,12 @@ int SimulatedCamera::select(int count, fd_set *read, fd_set *write, fd_set *exce
                 : Clock::time_point::max();
 
     std::unique_lock<std::mutex> lock(m_mutex);
+    if (m_failingSelects > 0) {
+        --m_failingSelects;
+        lock.unlock();
+        errno = EINTR;
+        return -1;
+    }
     for (;;) {
         const Clock::time_point now = Clock::now();
         advance(now);
@@ -795,6 +801,12 @@ void SimulatedCamera::failNextDequeues(int count)
     m_changed.notify_all();
 }
 
+void SimulatedCamera::failNextSelects(int count)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_failingSelects = std::max(0, count);
+}
+
 void SimulatedCamera::setDelivering(bool delivering)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -828,6 +840,7 @@ void SimulatedCamera::resetFaults()
     m_grantedBuffers = 0;
     m_streamOnFails = false;
     m_failingDequeues = 0;
+    m_failingSelects = 0;
     m_ledPhase = -1;
 }
 
@@ -859,6 +872,12 @@ int SimulatedCamera::gain() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_gain;
+}
+
+int SimulatedCamera::framesDequeued() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return static_cast<int>(m_framesDrawn);
 }
 
 int SimulatedCamera::sceneRenders() const

@@ -55,6 +55,7 @@ public:
     void setGrantedBufferCount(int count);     // REQBUFS grants this many whatever is asked; 0 = normal
     void setStreamOnFails(bool fails);         // STREAMON fails with EIO
     void failNextDequeues(int count);          // the next count DQBUFs fail with EIO
+    void failNextSelects(int count);           // the next count selects fail with EINTR, as under a signal
     void setDelivering(bool delivering);       // false: the sensor sends nothing, select times out
     // Unpaced, a queued buffer is filled at once instead of at the next
     // 33 ms frame tick, so that tests need not wait.
@@ -70,6 +71,7 @@ public:
     int exposure() const;
     int gain() const;
     int sceneRenders() const;
+    int framesDequeued() const;
 
 private:
     enum class BufferState { Dequeued, Queued, Done };
@@ -174,6 +176,7 @@ private:
     int m_grantedBuffers = 0;
     bool m_streamOnFails = false;
     int m_failingDequeues = 0;
+    int m_failingSelects = 0;
     bool m_delivering = true;
     int m_ledPhase = -1;
     bool m_paced = true;

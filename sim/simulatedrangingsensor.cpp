@@ -148,7 +148,7 @@ bool SimulatedRangingSensor::answers(int fd, int *error) const
     }
     // Nobody acknowledges the address: the adapter reports the missing
     // acknowledgement as a remote I/O error.
-    if (!m_present || handle->second.address != kAddress) {
+    if (!m_present || m_silent || handle->second.address != kAddress) {
         *error = EREMOTEIO;
         return false;
     }
@@ -371,6 +371,12 @@ void SimulatedRangingSensor::setNeverReady(bool neverReady)
     m_neverReady = neverReady;
 }
 
+void SimulatedRangingSensor::setSilent(bool silent)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_silent = silent;
+}
+
 void SimulatedRangingSensor::setRawRangeStatus(int raw)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -409,6 +415,7 @@ void SimulatedRangingSensor::resetFaults()
     std::lock_guard<std::mutex> lock(m_mutex);
     m_present = true;
     m_neverReady = false;
+    m_silent = false;
     m_rawRangeStatus = -1;
     m_paced = true;
     m_noiseMm = 2;

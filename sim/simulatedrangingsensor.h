@@ -47,6 +47,7 @@ public:
     // Faults. Each takes effect at the next transaction that it concerns.
     void setPresent(bool present);       // absent: the bus node is missing (ENOENT); open buses get no answer
     void setNeverReady(bool neverReady); // ranging runs but no measurement ever completes
+    void setSilent(bool silent);         // the bus node is there, but the chip acknowledges nothing
     void setRawRangeStatus(int raw);     // device status 0..31 of every measurement; -1: as measured
     // Unpaced, a measurement completes as soon as the previous one has been
     // cleared instead of once per period, so that tests need not wait.
@@ -113,6 +114,7 @@ private:
 
     bool m_present = true;
     bool m_neverReady = false;
+    bool m_silent = false;
     int m_rawRangeStatus = -1;
     bool m_paced = true;
     int m_noiseMm = 2;

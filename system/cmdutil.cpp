@@ -17,7 +17,7 @@ namespace {
 const char kSetNetwork[] = "wpa_cli -i wlan0 set_network";
 
 // Shared tail of both QProcess runners: the command has been started (or not).
-QString collectOutput(QProcess &process)
+QString collectOutput(QProcess &process, int limitMs = -1)
 {
     if (process.state() == QProcess::NotRunning) {
         qDebug("failed to start, error %d", static_cast<int>(process.error()));
@@ -26,7 +26,11 @@ QString collectOutput(QProcess &process)
     // Nothing is ever written to the programs; a closed stdin keeps one that
     // reads it from waiting for ever.
     process.closeWriteChannel();
-    process.waitForFinished(-1);
+    if (!process.waitForFinished(limitMs)) {
+        qDebug("%s did not finish in time", qPrintable(process.program()));
+        process.kill();
+        process.waitForFinished(-1);
+    }
     if (process.error() == QProcess::FailedToStart) {
         qDebug("failed to start, error %d", static_cast<int>(process.error()));
         return QString();
@@ -56,7 +60,7 @@ CmdUtil::CmdUtil(QObject *parent)
     , m_cmdReconfigure(QStringLiteral("wpa_cli -i wlan0 save_config"))
     , m_cmdStatus(QStringLiteral("wpa_cli -i wlan0 status"))
     , m_cmdSignalPoll(QStringLiteral("wpa_cli -i wlan0 signal_poll"))
-    , m_cmdDhcp("udhcpc -i wlan0 -q")
+    , m_cmdDhcp("udhcpc -i wlan0 -q -n -t 3 -T 2")
 {
 }
 
@@ -221,7 +225,15 @@ QString CmdUtil::wireless_getRSSI()
 
 QString CmdUtil::wireless_udhcpnetwork()
 {
-    return sendCommand(QString::fromLatin1(m_cmdDhcp));
+    // With -q alone busybox's udhcpc retries for ever when no server
+    // answers, holding the thread that also keeps the signal, the clock and
+    // the network list up to date: -n gives up after three discovers two
+    // seconds apart, and the limit covers a client that hangs regardless.
+    QStringList arguments = QProcess::splitCommand(QString::fromLatin1(m_cmdDhcp));
+    const QString program = arguments.takeFirst();
+    QProcess process;
+    process.start(program, arguments, QIODevice::ReadWrite);
+    return collectOutput(process, kDhcpLimitMs);
 }
 
 QString CmdUtil::wireless_selectnetwork(int id)

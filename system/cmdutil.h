@@ -14,6 +14,10 @@ class CmdUtil : public QObject
     Q_OBJECT
 
 public:
+    // Longest wait for an address: the client's own retries take about six
+    // seconds.
+    static constexpr int kDhcpLimitMs = 15000;
+
     explicit CmdUtil(QObject *parent = nullptr);
 
     QString sendCommand(const QString &command);

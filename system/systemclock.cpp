@@ -3,23 +3,23 @@
 #include "systemclock.h"
 
 #include <QDateTime>
-#include <QMutex>
 
 #include <atomic>
 #include <ctime>
+#include <mutex>
 
 namespace systemclock {
 
 namespace {
 
 std::atomic<qint64> s_offset{0};
-QMutex s_sourceMutex;
+std::mutex s_sourceMutex;
 std::function<qint64()> s_source;
 
 qint64 uncorrectedMSecs()
 {
     {
-        QMutexLocker locker(&s_sourceMutex);
+        std::lock_guard<std::mutex> locker(s_sourceMutex);
         if (s_source)
             return s_source();
     }
@@ -50,7 +50,7 @@ qint64 offsetMSecs()
 
 void setSourceForTesting(std::function<qint64()> msecsSinceEpoch)
 {
-    QMutexLocker locker(&s_sourceMutex);
+    std::lock_guard<std::mutex> locker(s_sourceMutex);
     s_source = std::move(msecsSinceEpoch);
 }
 

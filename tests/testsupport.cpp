@@ -9,17 +9,18 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QMutex>
+
+#include <mutex>
 
 namespace {
 
-QMutex s_logMutex;
+std::mutex s_logMutex;
 QStringList s_logLines;
 QtMessageHandler s_previousHandler = nullptr;
 
 void captureMessage(QtMsgType, const QMessageLogContext &, const QString &text)
 {
-    QMutexLocker locker(&s_logMutex);
+    std::lock_guard<std::mutex> locker(s_logMutex);
     s_logLines << text;
 }
 
@@ -121,7 +122,7 @@ QByteArray TestDevice::readFile(const QString &path)
 
 LogCapture::LogCapture()
 {
-    QMutexLocker locker(&s_logMutex);
+    std::lock_guard<std::mutex> locker(s_logMutex);
     s_logLines.clear();
     s_previousHandler = qInstallMessageHandler(captureMessage);
 }
@@ -133,7 +134,7 @@ LogCapture::~LogCapture()
 
 QStringList LogCapture::lines() const
 {
-    QMutexLocker locker(&s_logMutex);
+    std::lock_guard<std::mutex> locker(s_logMutex);
     return s_logLines;
 }
 

@@ -199,6 +199,27 @@ private slots:
         QCOMPARE(data.V4l2DevicePullFrame(), 0);
     }
 
+    // The deployment file names the capture node; the simulated driver
+    // answers only at /dev/video0.
+    void theDeploymentsVideoNodeIsTheOneOpened_data()
+    {
+        QTest::addColumn<QString>("node");
+        QTest::addColumn<int>("opened");
+        QTest::newRow("the driver's node") << QStringLiteral("/dev/video0") << 1;
+        QTest::newRow("another node") << QStringLiteral("/dev/video3") << 0;
+    }
+
+    void theDeploymentsVideoNodeIsTheOneOpened()
+    {
+        QFETCH(QString, node);
+        QFETCH(int, opened);
+        Platform::instance().videoDevice = node;
+        GData &data = startGData();
+        QCOMPARE(data.V4l2DeviceOpen(), opened);
+        QCOMPARE(SimulatedCamera::instance().openDescriptors(), opened);
+        data.V4l2DeviceClose();
+    }
+
     void aQueueWithoutAWriterStopsGrowing()
     {
         GData &data = startGData();
@@ -291,6 +312,19 @@ private slots:
         QVERIFY(log.lines().contains(QStringLiteral("RetryCount: 2")));
         QCOMPARE(TestDevice::readFile(retryFile()), QByteArray("1"));
         QCOMPARE(V4l2Device::failureCount(), 0);
+
+        // Until the program has ended, further failures are the same
+        // incident: they spend nothing more and ask for no second restart.
+        // (The asked-for end keeps this thread's event loops from running,
+        // so the pulls go direct.)
+        m_camera->failNextDequeues(4);
+        for (int failure = 0; failure < 4; ++failure) {
+            void *start = nullptr;
+            unsigned int physical = 0, word = 0, length = 0;
+            QCOMPARE(m_v4l2->pull_frame(&start, &physical, &word, &length, true), -1);
+        }
+        QCOMPARE(TestDevice::readFile(retryFile()), QByteArray("1"));
+        QCOMPARE(log.lines().filter(QStringLiteral("too much VIDIOC_DQBUF error")).size(), 1);
     }
 };
 

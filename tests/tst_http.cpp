@@ -98,6 +98,16 @@ public:
         m_server.Get("/bytes", [](const httplib::Request &, httplib::Response &response) {
             response.set_content(std::string("\x00\xff\xfe\x00 raw", 8), "application/octet-stream");
         });
+        // A reply that never ends, as a broken proxy or server can send.
+        m_server.Get("/endless", [](const httplib::Request &, httplib::Response &response) {
+            response.set_chunked_content_provider("text/plain", [](size_t, httplib::DataSink &sink) {
+                const std::string chunk(16 * 1024, 'x');
+                return sink.is_writable() && sink.write(chunk.data(), chunk.size());
+            });
+        });
+        m_server.Get("/large", [](const httplib::Request &, httplib::Response &response) {
+            response.set_content(std::string(1 << 20, 'y'), "text/plain");
+        });
         m_server.Post("/upload",
                       [this](const httplib::Request &request, httplib::Response &response,
                              const httplib::ContentReader &reader) { receiveUpload(request, reader, response); });
@@ -289,6 +299,10 @@ private slots:
         QTest::addColumn<QByteArray>("sentBody");
         QTest::newRow("get 404") << Helper::Get << 404 << "GET" << kFormType << QByteArray();
         QTest::newRow("post 500") << Helper::Post << 500 << "POST" << kFormType << kFormBody;
+        // A refusal with its reason: Qt files 400 and 429 apart from the other 4xx statuses.
+        QTest::newRow("post 400") << Helper::Post << 400 << "POST" << kFormType << kFormBody;
+        QTest::newRow("file 429") << Helper::File << 429 << "POST"
+                                  << QByteArrayLiteral("multipart/form-data; boundary=") << QByteArray();
         QTest::newRow("json 200") << Helper::Json << 200 << "POST" << QByteArrayLiteral("application/json")
                                   << kJsonBody;
         QTest::newRow("file 404") << Helper::File << 404 << "POST"
@@ -315,6 +329,25 @@ private slots:
         QVERIFY2(QByteArray::fromStdString(seen.contentType).startsWith(contentType), seen.contentType.c_str());
         if (!sentBody.isNull())
             QCOMPARE(QByteArray::fromStdString(seen.body), sentBody);
+        QVERIFY(!managersLeft());
+    }
+
+    // Replies are held in memory: one past the limit is abandoned at once
+    // rather than read until the time-out.
+    void aReplyPastTheLimitIsAbandoned_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("endless") << QStringLiteral("/endless");
+        QTest::newRow("one mebibyte") << QStringLiteral("/large");
+    }
+
+    void aReplyPastTheLimitIsAbandoned()
+    {
+        QFETCH(QString, path);
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(call(Helper::Get, m_server.url(path.toLatin1().constData()), 20), QString());
+        QVERIFY2(clock.elapsed() < 10000, qPrintable(QString::number(clock.elapsed())));
         QVERIFY(!managersLeft());
     }
 

@@ -4,9 +4,10 @@
 #include "wifiparsers.h"
 #include "wifipwddlg.h"
 
+#include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
-#include <QMutexLocker>
 #include <QPushButton>
 #include <QStandardItemModel>
 #include <QTableView>
@@ -52,7 +53,7 @@ private:
     void setLists(const QStringList &ssids, const QStringList &signalLevels, const QStringList &flags,
                   const QStringList &saved, const QString &current)
     {
-        QMutexLocker lock(&m_data->wifiMutex);
+        std::lock_guard<std::mutex> lock(m_data->wifiMutex);
         m_data->wifiSsidList = ssids;
         m_data->wifiSignalList = signalLevels;
         m_data->wifiFlagsList = flags;
@@ -207,6 +208,25 @@ private slots:
         QCOMPARE(commandsLike(QStringLiteral("udhcpc")), 1);
         m_data->getRSSI();
         QCOMPARE(int(m_data->m_nWifiRssi), 0);
+    }
+
+    // busybox's udhcpc -q alone retries for ever when no DHCP server
+    // answers; the refresh must get its thread back and keep reading the
+    // signal.
+    void aSilentDhcpServerCostsABoundedWait()
+    {
+        QVERIFY(QDir().mkpath(m_device->simDir() + QStringLiteral("/wifi")));
+        QFile silent(m_device->simDir() + QStringLiteral("/wifi/dhcp-silent"));
+        QVERIFY(silent.open(QIODevice::WriteOnly));
+        silent.close();
+        QElapsedTimer timer;
+        timer.start();
+        m_data->getWIFIInfo();
+        QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(m_data->wifiCurrentSsid, QStringLiteral("Clinic-Screening"));
+        QCOMPARE(commandsLike(QStringLiteral("udhcpc -i wlan0 -q")), 1);
+        m_data->getRSSI();
+        QVERIFY(m_data->m_nWifiRssi < 0);
     }
 
     // --- joining, switching, forgetting ---

@@ -6,8 +6,10 @@
 #include "hwthread.h"
 #include "platform.h"
 #include "simulatedcamera.h"
+#include "simulatedrangingsensor.h"
 #include "simulatedworld.h"
 #include "testsupport.h"
+#include "threadjoin.h"
 #include "videothread.h"
 
 #include <QElapsedTimer>
@@ -15,6 +17,7 @@
 #include <sys/resource.h>
 #include <csignal>
 
+#include <ctime>
 #include <memory>
 
 namespace {
@@ -89,8 +92,8 @@ private:
     {
         m_camera = std::make_unique<CameraThread>();
         m_video = std::make_unique<VideoThread>();
-        m_camera->start();
-        m_video->start();
+        threadjoin::start(m_camera.get());
+        threadjoin::start(m_video.get());
         QVERIFY(waitForMode(2, 3000));
         QVERIFY(waitForMode(0, 10000));
     }
@@ -117,7 +120,7 @@ private slots:
         for (QThread *thread : std::initializer_list<QThread *>{m_camera.get(), m_video.get()}) {
             if (thread) {
                 thread->requestInterruption();
-                thread->wait();
+                threadjoin::wait(thread);
             }
         }
         m_camera.reset();
@@ -140,8 +143,8 @@ private slots:
         Reports done(m_video.get(), &VideoThread::video_thread_signal);
         QElapsedTimer timer;
         timer.start();
-        m_camera->start();
-        m_video->start();
+        threadjoin::start(m_camera.get());
+        threadjoin::start(m_video.get());
         QVERIFY(waitForMode(2, 3000));
         QVERIFY(waitForMode(0, 12000));
         // The limit ends the recording: six seconds, not the frame count.
@@ -216,8 +219,8 @@ private slots:
         m_camera = std::make_unique<CameraThread>();
         m_video = std::make_unique<VideoThread>();
         Reports done(m_video.get(), &VideoThread::video_thread_signal);
-        m_camera->start();
-        m_video->start();
+        threadjoin::start(m_camera.get());
+        threadjoin::start(m_video.get());
         QVERIFY(waitForMode(2, 3000));
         QVERIFY(waitForMode(0, 10000));
         QTest::qWait(700);
@@ -237,7 +240,7 @@ private slots:
         QCOMPARE(m_data->V4l2DeviceOpen(), 1);
         m_data->m_bPreviewEnabled = 0;
         m_data->m_nCameraMode = 1;
-        m_camera->start();
+        threadjoin::start(m_camera.get());
         QTest::qWait(400);
         QCOMPARE(previews.count(), 0);
         SimulatedWorld::instance().ambientLight = 60;
@@ -258,21 +261,77 @@ private slots:
         m_data->m_nCameraMode = 0;
     }
 
+    // A camera that fails at once costs no CPU while the capture thread
+    // retries: one that did not open at start-up (a press of the camera
+    // button then opens it under the running thread), or a select that a
+    // signal keeps interrupting.
+    void aFailingCameraIsRetriedQuietlyAndRecovers_data()
+    {
+        QTest::addColumn<bool>("missingAtStartUp");
+        QTest::newRow("missing at start-up") << true;
+        QTest::newRow("select interrupted") << false;
+    }
+
+    void aFailingCameraIsRetriedQuietlyAndRecovers()
+    {
+        QFETCH(bool, missingAtStartUp);
+        camera().setPresent(!missingAtStartUp);
+        QCOMPARE(m_data->V4l2DeviceOpen(), missingAtStartUp ? 0 : 1);
+        if (missingAtStartUp)
+            m_data->V4l2DeviceClose();
+        else
+            camera().failNextSelects(1 << 30);
+        m_camera = std::make_unique<CameraThread>();
+        threadjoin::start(m_camera.get());
+        m_data->m_nCameraMode = 1;
+        const std::clock_t cpuBefore = std::clock();
+        QTest::qWait(600);
+        const double cpuMs = 1000.0 * double(std::clock() - cpuBefore) / CLOCKS_PER_SEC;
+        QVERIFY2(cpuMs < 150, qPrintable(QString::number(cpuMs)));
+
+        const int dequeued = camera().framesDequeued();
+        if (missingAtStartUp) {
+            camera().setPresent(true);
+            QCOMPARE(m_data->V4l2DeviceOpen(), 1);
+        } else {
+            camera().failNextSelects(0);
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(camera().framesDequeued() > dequeued + 3, 3000);
+        m_data->m_nCameraMode = 0;
+    }
+
     // --- sensors while aiming ---
+
+    // A ranging chip that has stopped answering costs the distance, never the pitch.
+    void aimingValuesAreMeasuredOnlyWhileAiming_data()
+    {
+        QTest::addColumn<bool>("silentRangingChip");
+        QTest::newRow("healthy") << false;
+        QTest::newRow("silent ranging chip") << true;
+    }
 
     void aimingValuesAreMeasuredOnlyWhileAiming()
     {
+        QFETCH(bool, silentRangingChip);
+        SimulatedRangingSensor::instance().setSilent(silentRangingChip);
         SimulatedWorld::instance().pitchDegrees = 4;
         HWThread sensors;
         m_data->m_nPitch = 99;
-        sensors.start();
+        m_data->m_nDistance = 0;
+        threadjoin::start(&sensors);
         QTest::qWait(300);
         QCOMPARE(m_data->m_nPitch.load(), 99);
         m_data->m_nCameraMode = 1;
         QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nPitch.load(), 4, 2000);
+        if (silentRangingChip) {
+            QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nDistance.load(), 200, 2000);
+            SimulatedWorld::instance().pitchDegrees = -3;
+            QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nPitch.load(), -3, 3000);
+        }
         m_data->m_nCameraMode = 0;
         sensors.requestInterruption();
-        sensors.wait();
+        threadjoin::wait(&sensors);
+        SimulatedRangingSensor::instance().setSilent(false);
     }
 
     void housekeepingWaitsWhileTheCameraWorks()
@@ -281,13 +340,13 @@ private slots:
         Reports reports(&housekeeping, &DeviceThread::device_thread_signal);
         m_data->m_nCameraMode = 1;
         m_data->m_nWifiChanged = 1;
-        housekeeping.start();
+        threadjoin::start(&housekeeping);
         QTest::qWait(400);
         QCOMPARE(m_data->m_nWifiChanged.load(), 1);
         m_data->m_nCameraMode = 0;
         QTRY_COMPARE_WITH_TIMEOUT(m_data->m_nWifiChanged.load(), 0, 3000);
         housekeeping.requestInterruption();
-        housekeeping.wait();
+        threadjoin::wait(&housekeeping);
     }
 };
 

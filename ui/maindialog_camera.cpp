@@ -9,6 +9,7 @@
 #include "hwthread.h"
 #include "msgdialog.h"
 #include "systemclock.h"
+#include "threadjoin.h"
 #include "ui_maindialog.h"
 #include "ui_pagecamera.h"
 #include "ui_pageinfoinput.h"
@@ -50,7 +51,7 @@ void MainDialog::cameraThreadInit()
     m_pCameraThread = std::make_unique<CameraThread>();
     connect(m_pCameraThread.get(), &CameraThread::camera_thread_signal, this, &MainDialog::camera_thread_slot,
             Qt::QueuedConnection);
-    m_pCameraThread->start();
+    threadjoin::start(m_pCameraThread.get());
 }
 
 void MainDialog::videoThreadInit()
@@ -61,7 +62,7 @@ void MainDialog::videoThreadInit()
     m_pVideoThread = std::make_unique<VideoThread>();
     connect(m_pVideoThread.get(), &VideoThread::video_thread_signal, this, &MainDialog::video_thread_slot,
             Qt::QueuedConnection);
-    m_pVideoThread->start();
+    threadjoin::start(m_pVideoThread.get());
 }
 
 void MainDialog::deviceThreadInit()
@@ -69,9 +70,9 @@ void MainDialog::deviceThreadInit()
     m_pDeviceThread = std::make_unique<DeviceThread>();
     connect(m_pDeviceThread.get(), &DeviceThread::device_thread_signal, this, &MainDialog::device_thread_slot,
             Qt::QueuedConnection);
-    m_pDeviceThread->start();
+    threadjoin::start(m_pDeviceThread.get());
     m_pHWThread = std::make_unique<HWThread>();
-    m_pHWThread->start();
+    threadjoin::start(m_pHWThread.get());
 }
 
 void MainDialog::stopWorkers()
@@ -88,7 +89,7 @@ void MainDialog::stopWorkers()
     // program) must not hold the stop for ever; it is left running and
     // ends with the process.
     for (QThread *thread : threads) {
-        if (thread && !thread->wait(kWorkerStopMs))
+        if (thread && !threadjoin::wait(thread, kWorkerStopMs))
             qWarning("%s did not stop within %d ms; left to end with the process",
                      thread->metaObject()->className(), kWorkerStopMs);
     }

@@ -14,7 +14,6 @@
 #include <QColor>
 #include <QHeaderView>
 #include <QIcon>
-#include <QMutexLocker>
 #include <QPainter>
 #include <QScrollBar>
 #include <QScroller>
@@ -134,7 +133,7 @@ void MainDialog::tableViewWIFIShow()
     QStringList saved;
     QString current;
     {
-        QMutexLocker lock(&g_pData->wifiMutex);
+        std::lock_guard<std::mutex> lock(g_pData->wifiMutex);
         ssids = g_pData->wifiSsidList;
         signalLevels = g_pData->wifiSignalList;
         flags = g_pData->wifiFlagsList;

@@ -18,7 +18,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QMutexLocker>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStackedWidget>
@@ -419,7 +418,7 @@ void ScriptedOperator::addProvisioning()
     m_steps.push_back(
         {QStringLiteral("waits for the Wi-Fi page to show the new network connected"),
          [ssid] {
-             QMutexLocker lock(&g_pData->wifiMutex);
+             std::lock_guard<std::mutex> lock(g_pData->wifiMutex);
              return g_pData->wifiCurrentSsid == ssid;
          },
          [this, label, ssid] {

@@ -17,6 +17,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
+#include <QThread>
 
 #include <csignal>
 #include <cstdio>
@@ -98,25 +99,49 @@ int wpaCli(const QStringList &args)
     return out.startsWith(QLatin1String("FAIL")) ? 255 : 0;
 }
 
+// The number after an option such as "-t 3", or the fallback.
+int optionValue(const QStringList &args, const QString &option, int fallback)
+{
+    const int at = args.indexOf(option);
+    bool ok = false;
+    const int value = at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt(&ok) : 0;
+    return ok && value >= 0 ? value : fallback;
+}
+
+// As busybox's: -t discovers -T seconds apart; without a lease, -n fails and
+// otherwise it rests -A seconds and tries again, for ever (-q only quits
+// once it has a lease). A DHCP server that does not answer is the
+// "dhcp-silent" file in the Wi-Fi state folder.
 int udhcpc(const QStringList &args)
 {
-    const bool quitAfterLease = args.contains(QStringLiteral("-q"));
-    print(QStringLiteral("udhcpc: started, v1.36.1\nudhcpc: broadcasting discover\n"));
-    std::optional<QString> address;
-    {
-        StateLock lock;
-        address = sim::WifiWorld(s_stateDir + QStringLiteral("/wifi")).leaseAddress();
-    }
-    if (!address) {
-        print(QStringLiteral("udhcpc: broadcasting discover\nudhcpc: broadcasting discover\n"));
-        if (quitAfterLease)
+    const bool failWithoutLease = args.contains(QStringLiteral("-n"));
+    const int tries = optionValue(args, QStringLiteral("-t"), 3);
+    const int pauseSeconds = optionValue(args, QStringLiteral("-T"), 3);
+    const int restSeconds = optionValue(args, QStringLiteral("-A"), 20);
+    const QString wifiDir = s_stateDir + QStringLiteral("/wifi");
+    print(QStringLiteral("udhcpc: started, v1.36.1\n"));
+    for (;;) {
+        for (int attempt = 0; attempt < qMax(tries, 1); ++attempt) {
+            print(QStringLiteral("udhcpc: broadcasting discover\n"));
+            std::optional<QString> address;
+            if (!QFile::exists(wifiDir + QStringLiteral("/dhcp-silent"))) {
+                StateLock lock;
+                address = sim::WifiWorld(wifiDir).leaseAddress();
+            }
+            if (address) {
+                print(QStringLiteral("udhcpc: broadcasting select for %1, server 192.168.50.1\n"
+                                     "udhcpc: lease of %1 obtained from 192.168.50.1, lease time 86400\n")
+                          .arg(*address));
+                return 0;
+            }
+            QThread::sleep(static_cast<unsigned long>(pauseSeconds));
+        }
+        if (failWithoutLease) {
             print(QStringLiteral("udhcpc: no lease, failing\n"));
-        return 1;
+            return 1;
+        }
+        QThread::sleep(static_cast<unsigned long>(restSeconds));
     }
-    print(QStringLiteral("udhcpc: broadcasting select for %1, server 192.168.50.1\n"
-                         "udhcpc: lease of %1 obtained from 192.168.50.1, lease time 86400\n")
-              .arg(*address));
-    return 0;
 }
 
 QString printerDevicePath()
