@@ -74,33 +74,30 @@ QString CmdUtil::sendCommand(const QString &command)
     const QString program = arguments.takeFirst();
     QProcess process;
     process.start(program, arguments, QIODevice::ReadWrite);
-    return collectOutput(process);
+    return collectOutput(process, m_nCommandLimitMs);
 }
 
 QString CmdUtil::sendCommand(const QString &program, QStringList &arguments)
 {
     QProcess process;
     process.start(program, arguments, QIODevice::ReadWrite);
-    return collectOutput(process);
+    return collectOutput(process, m_nCommandLimitMs);
 }
 
 QString CmdUtil::sendCommand2(const char *command)
 {
-    FILE *pipe = ::popen(command, "r");
-    if (!pipe) {
-        qDebug("sendCommand2 popen error!\n");
-        return QString();
-    }
-    char buffer[129] = {};
-    const size_t count = std::fread(buffer, 1, 128, pipe);
-    ::pclose(pipe);
-    if (count == 0) {
+    // Through the shell, as popen would run it, but with the same time
+    // limit as every other program.
+    QProcess process;
+    process.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QString::fromLocal8Bit(command)},
+                  QIODevice::ReadWrite);
+    const QByteArray output = collectOutput(process, m_nCommandLimitMs).toLocal8Bit().left(128);
+    if (output.isEmpty()) {
         qDebug("sendCommand2 read error! \n");
         return QString();
     }
-    const QString result = QString::fromLatin1(buffer, static_cast<int>(count));
-    qDebug("sendCommand2 Result[%s]", buffer);
-    return result;
+    qDebug("sendCommand2 Result[%s]", output.constData());
+    return QString::fromLatin1(output);
 }
 
 QString CmdUtil::poweroff()

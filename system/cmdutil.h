@@ -17,6 +17,12 @@ public:
     // Longest wait for an address: the client's own retries take about six
     // seconds.
     static constexpr int kDhcpLimitMs = 15000;
+    // Longest wait for any other program: a supplicant that stopped
+    // answering would otherwise freeze the thread that asked (the GUI's, or
+    // the one that keeps the signal, the clock and the network list). A
+    // program still running then is killed, and its output reads as empty.
+    static constexpr int kCommandLimitMs = 20000;
+    void setCommandLimitMs(int milliseconds) { m_nCommandLimitMs = milliseconds; }
 
     explicit CmdUtil(QObject *parent = nullptr);
 
@@ -48,6 +54,7 @@ public:
     bool wireless_is_connected();
 
 private:
+    int m_nCommandLimitMs = kCommandLimitMs;
     QString setQuotedField(const QString &setCommand, int id, const char *field, const QString &value);
 
     const QString m_cmdPoweroff;

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QElapsedTimer>
 #include <QTest>
 
 namespace {
@@ -107,6 +108,18 @@ private slots:
         QCOMPARE(m_cmd->sendCommand(QStringLiteral("no-such-program-here --flag")), QString());
         QCOMPARE(m_cmd->sendCommand2("no-such-program-here 2>/dev/null"), QString());
         QCOMPARE(m_cmd->sendCommand2("printf '%0300d' 7").size(), 128);
+    }
+
+    // A program that stops answering (a supplicant stuck on its socket) is
+    // killed at the limit, whichever runner started it.
+    void aHangingProgramIsStoppedInTime()
+    {
+        m_cmd->setCommandLimitMs(500);
+        QElapsedTimer elapsed;
+        elapsed.start();
+        QCOMPARE(m_cmd->sendCommand(QStringLiteral("sleep 30")), QString());
+        QCOMPARE(m_cmd->sendCommand2("echo started; sleep 30"), QString::fromLatin1("started\n"));
+        QVERIFY2(elapsed.elapsed() < 5000, qPrintable(QString::number(elapsed.elapsed())));
     }
 
     // --- selecting a network by priority ---
