@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The AVI writer, checked by reading its files back byte by byte as a player would.
+// Recordings pass 4 GiB positions to lseek, as the writer does: on the 32-bit board too.
+#define _FILE_OFFSET_BITS 64
+
 #include "avilib.h"
 
 #include <QFile>
