@@ -2,22 +2,13 @@
 // The provisioning servers' line protocol: one request line in, one command or one error out.
 #include "provisioningprotocol.h"
 
+#include "wifiparsers.h"
+
 #include <QList>
 
 namespace provisioningprotocol {
 
 namespace {
-
-int hexValue(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
 
 // With its length: the QByteArray overload stops at the first NUL, which
 // would hide the NUL and everything after it from the checks.
@@ -54,8 +45,8 @@ bool decodeField(const QByteArray &field, QByteArray *bytes)
         }
         if (i + 2 >= field.size())
             return false;
-        const int high = hexValue(field.at(i + 1));
-        const int low = hexValue(field.at(i + 2));
+        const int high = wifiparsers::hexDigit(field.at(i + 1));
+        const int low = wifiparsers::hexDigit(field.at(i + 2));
         if (high < 0 || low < 0)
             return false;
         out.append(static_cast<char>(high * 16 + low));

@@ -9,8 +9,6 @@
 
 namespace wifiparsers {
 
-namespace {
-
 int hexDigit(char c)
 {
     if (c >= '0' && c <= '9')
@@ -21,6 +19,8 @@ int hexDigit(char c)
         return c - 'A' + 10;
     return -1;
 }
+
+namespace {
 
 // The lines of a wpa_cli table after its header, split into fields.
 QVector<QStringList> tableRows(const QString &text)

@@ -11,6 +11,9 @@
 // \xNN; lines are split keeping empty parts and fields trimmed before use.
 namespace wifiparsers {
 
+// The value of one hexadecimal digit in either case; -1 for any other character.
+int hexDigit(char c);
+
 // "%" followed by two hexadecimal digits becomes that byte; every other byte
 // is copied, a lone or malformed "%" included.
 QByteArray urlDecode(const QByteArray &bytes);

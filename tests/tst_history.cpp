@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The history file: one line per test appended and synced, read back whole, rewritten atomically.
 #include "gdata.h"
+#include "syncrecorder.h"
 #include "testsupport.h"
 
 #include <QDir>
@@ -18,50 +19,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-namespace {
-
-// What the disk was asked to keep: the file and its size at that moment.
-struct Sync
-{
-    QString path;
-    qint64 size;
-};
-
-std::vector<Sync> s_syncs;
-
-void recordSync(int fd)
-{
-    char target[PATH_MAX] = {};
-    const QByteArray link = QByteArrayLiteral("/proc/self/fd/") + QByteArray::number(fd);
-    const ssize_t length = ::readlink(link.constData(), target, sizeof target - 1);
-    struct stat status = {};
-    ::fstat(fd, &status);
-    s_syncs.push_back({QFile::decodeName(QByteArray(target, length > 0 ? int(length) : 0)), qint64(status.st_size)});
-}
-
-template <class Function> Function nextDefinition(const char *name)
-{
-    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
-}
-
-} // namespace
-
-// The program's own calls land here first, which lets the tests see what was
-// synced without tracing the process; the real call follows.
-extern "C" int fdatasync(int fd)
-{
-    static const auto real = nextDefinition<int (*)(int)>("fdatasync");
-    recordSync(fd);
-    return real(fd);
-}
-
-extern "C" int fsync(int fd)
-{
-    static const auto real = nextDefinition<int (*)(int)>("fsync");
-    recordSync(fd);
-    return real(fd);
-}
 
 class TestHistory : public QObject, private DeviceFixture
 {
