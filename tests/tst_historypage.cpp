@@ -166,8 +166,6 @@ private slots:
         QCOMPARE(historysearch::childKeys(text, QString()),
                  QStringList({"AMY,Female,2018-02-02", "Sam,Male,2019-01-01", "Samantha,Female,2020-05-05", "just text",
                               "\u00c9mile,Male,2016-04-04"}));
-        QCOMPARE(historysearch::childKeys(text, QStringLiteral("am")),
-                 QStringList({"Sam,Male,2019-01-01", "Samantha,Female,2020-05-05"}));
         // The whole key is searched, the tests are not.
         QCOMPARE(historysearch::childKeys(text, QStringLiteral("e,2020")), QStringList({"Samantha,Female,2020-05-05"}));
         QVERIFY(historysearch::childKeys(text, QStringLiteral("t1")).isEmpty());
@@ -238,12 +236,10 @@ private slots:
         openHistory(kHistory);
         QCOMPARE(shownRows(), QStringList({"Amy/Female/2019-03-0", "Amy/Female/2019-03-02", "Bob/Male/",
                                            "Bob/Male/2018-11-30", "no bar and no commas//"}));
-        LogCapture log;
+        // A second tap takes the tick away again.
         tapCell(1, 0);
-        QVERIFY(log.contains(QStringLiteral("strFlag[1]=1")));
         tapCell(2, 0);
         tapCell(2, 0);
-        QVERIFY(log.contains(QStringLiteral("strFlag[2]=0")));
         QVERIFY(ticked(1) && !ticked(2));
 
         // A tap beside the tick shows the child's tests in the file's order.
@@ -307,16 +303,12 @@ private slots:
         // A report that cannot be written is not mailed.
         const QString recording = Platform::instance().recordingFile;
         Platform::instance().recordingFile = m_device->root() + QStringLiteral("/missing/pupil_video.avi");
-        LogCapture log;
         QCOMPARE(clicking("buttonHistoryExport"), QStringList({"Open File Error"}));
-        QVERIFY(!log.contains(QStringLiteral("UploadDlg mode 7")));
         QVERIFY(m_data->m_strReportFile.isEmpty());
 
         // Beside the recording, named after the first child ticked.
         Platform::instance().recordingFile = recording;
         const QStringList seen = clicking("buttonHistoryExport");
-        QVERIFY(log.contains(QStringLiteral("listAllRecords: 4")));
-        QVERIFY(log.contains(QStringLiteral("UploadDlg mode 7")));
         const QFileInfo report(m_data->m_strReportFile);
         QCOMPARE(report.absolutePath(), QFileInfo(recording).absolutePath());
         QVERIFY2(report.fileName().startsWith(QLatin1String("Amy_")), qPrintable(report.fileName()));

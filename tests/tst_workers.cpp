@@ -78,6 +78,8 @@ class TestWorkers : public QObject, private DeviceFixture
 private:
     std::unique_ptr<CameraThread> m_camera;
     std::unique_ptr<VideoThread> m_video;
+    // What the recording thread reported since it started.
+    std::unique_ptr<Reports> m_done;
 
     SimulatedCamera &camera() { return SimulatedCamera::instance(); }
 
@@ -88,14 +90,15 @@ private:
 
     // Starts capture and recording as the main window does, and lets the
     // start-up recording finish.
-    void startRecorder()
+    void startRecorder(int idleWithinMs = 10000)
     {
         m_camera = std::make_unique<CameraThread>();
         m_video = std::make_unique<VideoThread>();
+        m_done = std::make_unique<Reports>(m_video.get(), &VideoThread::video_thread_signal);
         threadjoin::start(m_camera.get());
         threadjoin::start(m_video.get());
         QVERIFY(waitForMode(2, 3000));
-        QVERIFY(waitForMode(0, 10000));
+        QVERIFY(waitForMode(0, idleWithinMs));
     }
 
     // What the camera page does to record.
@@ -125,6 +128,7 @@ private slots:
         }
         m_camera.reset();
         m_video.reset();
+        m_done.reset();
         tearDown();
         camera().resetFaults();
     }
@@ -138,20 +142,14 @@ private slots:
         // reports.
         m_device->writeFile(QStringLiteral("camera.txt"), "0");
         camera().setDelivering(false);
-        m_camera = std::make_unique<CameraThread>();
-        m_video = std::make_unique<VideoThread>();
-        Reports done(m_video.get(), &VideoThread::video_thread_signal);
         QElapsedTimer timer;
         timer.start();
-        threadjoin::start(m_camera.get());
-        threadjoin::start(m_video.get());
-        QVERIFY(waitForMode(2, 3000));
-        QVERIFY(waitForMode(0, 12000));
+        startRecorder(12000);
         // The limit ends the recording: six seconds, not the frame count.
         QVERIFY2(timer.elapsed() >= 6000, qPrintable(QString::number(timer.elapsed())));
         QCOMPARE(recordedFrames(Platform::instance().recordingFile), 0);
         QCOMPARE(QFileInfo(Platform::instance().recordingFile).size(), 2056);
-        QCOMPARE(done.count(), 0);
+        QCOMPARE(m_done->count(), 0);
     }
 
     void evenFramesAreNeverEncoded()
@@ -162,12 +160,11 @@ private slots:
         // An armed recording reports once, holds the flash frames, and
         // leaves the next mode to the page.
         camera().setLedPhase(3);
-        Reports done(m_video.get(), &VideoThread::video_thread_signal);
         armRecording();
-        QVERIFY(done.wait(10000));
+        QVERIFY(m_done->wait(10000));
         expectFullRecording(recordedFrames(Platform::instance().recordingFile));
         QTest::qWait(300);
-        QCOMPARE(done.count(), 1);
+        QCOMPARE(m_done->count(), 1);
         QCOMPARE(m_data->m_nCameraMode.load(), 3);
     }
 
@@ -175,13 +172,12 @@ private slots:
     {
         startRecorder();
         m_data->m_nLedLoop = 0;
-        Reports done(m_video.get(), &VideoThread::video_thread_signal);
         QElapsedTimer timer;
         timer.start();
         armRecording();
-        QVERIFY(done.wait(5000));
+        QVERIFY(m_done->wait(5000));
         QVERIFY2(timer.elapsed() < 2500, qPrintable(QString::number(timer.elapsed())));
-        QCOMPARE(done.at(0).toInt(), 0);
+        QCOMPARE(m_done->at(0).toInt(), 0);
         QCOMPARE(recordedFrames(Platform::instance().recordingFile), 0);
         QCOMPARE(m_data->m_nCameraMode.load(), 3);
     }
@@ -192,7 +188,6 @@ private slots:
     {
         startRecorder();
         QCOMPARE(m_data->m_bRecordingBroken.load(), 0);
-        Reports done(m_video.get(), &VideoThread::video_thread_signal);
         struct rlimit old = {};
         ::getrlimit(RLIMIT_FSIZE, &old);
         const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
@@ -200,14 +195,14 @@ private slots:
         full.rlim_cur = 20000;
         ::setrlimit(RLIMIT_FSIZE, &full);
         armRecording();
-        const bool reported = done.wait(10000);
+        const bool reported = m_done->wait(10000);
         ::setrlimit(RLIMIT_FSIZE, &old);
         std::signal(SIGXFSZ, oldHandler);
         QVERIFY(reported);
         QCOMPARE(m_data->m_bRecordingBroken.load(), 1);
         m_data->m_nCameraMode = 0;
         armRecording();
-        QVERIFY(done.wait(10000));
+        QVERIFY(m_done->wait(10000));
         QCOMPARE(m_data->m_bRecordingBroken.load(), 0);
         expectFullRecording(recordedFrames(Platform::instance().recordingFile));
     }
@@ -216,15 +211,9 @@ private slots:
 
     void startUpRecordingIsSilentAndReturnsToIdle()
     {
-        m_camera = std::make_unique<CameraThread>();
-        m_video = std::make_unique<VideoThread>();
-        Reports done(m_video.get(), &VideoThread::video_thread_signal);
-        threadjoin::start(m_camera.get());
-        threadjoin::start(m_video.get());
-        QVERIFY(waitForMode(2, 3000));
-        QVERIFY(waitForMode(0, 10000));
+        startRecorder();
         QTest::qWait(700);
-        QCOMPARE(done.count(), 0);
+        QCOMPARE(m_done->count(), 0);
         expectFullRecording(recordedFrames(Platform::instance().recordingFile));
         // The flash was started through the camera driver's parameters and is off again.
         QCOMPARE(TestDevice::readFile(Platform::instance().ledLoopParameter), QByteArray("5"));
