@@ -142,11 +142,13 @@ private slots:
             {"six fields", "x,+1.25,-0.5,-0.75,0.00,62"},
             {"portal page", "<html><body><h1>Welcome, guest</h1><p>Accept, then sign in, with your room, name, "
                             "and number, to use the Wi-Fi.</p></body></html>"},
+            {"proxy 502", "502 Bad Gateway: no answer from 10.0.0.5,15000,upstream,closed,retry,later,sorry\n"},
             {"inf sphere", "x,inf,1,1,1,62,90,90"},
             {"nan axis", "x,1,1,1,1,62,90,nan"},
             {"empty axis", "x,1,1,1,1,,90"},
             {"empty cylinder", "x,1,1,,1,62,90,90"},
-            {"letters in a cylinder", "x,1,1,1,-0.5 dpt,62,90,90"}};
+            {"letters in a cylinder", "x,1,1,1,-0.5 dpt,62,90,90"},
+            {"unit after an axis", "x,1,1,1,1,62,90deg,90"}};
         for (const auto &row : refused)
             QTest::newRow(row[0]) << QString::fromLatin1(row[1]) << QStringList() << QStringList();
     }
