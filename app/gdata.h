@@ -397,8 +397,9 @@ public:
     PupilPhotoPicker m_pupilPhoto;
     // The folder of the tests' pupil photos, beside the history.
     QString photoDir() const;
-    // The photo of a child's test (whether it exists or not).
-    QString photoPath(const QString &key, const QString &testTime) const;
+    // The photo of a child's test, `test` being the record's values as
+    // historysearch::testValues gives them (whether the photo exists or not).
+    QString photoPath(const QString &key, const QStringList &test) const;
     // Keeps the best frame of the last recording as the photo of the test
     // this history line records; nothing when the recording gave no frame.
     void savePupilPhoto(const QString &line);

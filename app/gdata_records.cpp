@@ -75,9 +75,9 @@ QString GData::photoDir() const
     return Platform::instance().applicationDir() + QStringLiteral("/CAMCFG/photos");
 }
 
-QString GData::photoPath(const QString &key, const QString &testTime) const
+QString GData::photoPath(const QString &key, const QStringList &test) const
 {
-    return photoDir() + QLatin1Char('/') + historysearch::photoFileName(key, testTime);
+    return photoDir() + QLatin1Char('/') + historysearch::photoFileName(key, test);
 }
 
 void GData::savePupilPhoto(const QString &line)
@@ -88,20 +88,16 @@ void GData::savePupilPhoto(const QString &line)
         return;
     }
     const QByteArray jpeg = pupilphoto::encodeJpeg(photo);
-    const QString key = historysearch::childKey(line);
-    const QString time = line.mid(key.size() + 1).section(QLatin1Char(','), 0, 0);
     QDir().mkpath(photoDir());
     // Durable like the line it belongs to: a torn picture would be shown.
-    if (jpeg.isEmpty() || !atomicfile::write(photoPath(key, time), jpeg))
+    if (jpeg.isEmpty() || !atomicfile::write(photoPath(historysearch::childKey(line), historysearch::testValues(line)), jpeg))
         qDebug("savePupilPhoto: the photo could not be written");
 }
 
 void GData::deletePhotos(const QString &history, const QStringList &keys)
 {
-    for (const QString &line : historysearch::linesWithKeys(history, keys)) {
-        const QString key = historysearch::childKey(line);
-        QFile::remove(photoPath(key, line.mid(key.size() + 1).section(QLatin1Char(','), 0, 0)));
-    }
+    for (const QString &line : historysearch::linesWithKeys(history, keys))
+        QFile::remove(photoPath(historysearch::childKey(line), historysearch::testValues(line)));
 }
 
 bool GData::prepareHistoryExport(const QStringList &keys)
@@ -164,7 +160,7 @@ bool GData::prepareHistoryExport(const QStringList &keys)
             letter.osAxis = test.values.at(6);
             letter.pupilDistance = test.values.at(7);
             letter.result = test.values.at(8);
-            letter.photo = QImage(photoPath(test.key(), letter.testTime));
+            letter.photo = QImage(photoPath(test.key(), test.values));
             const auto known = letterOf.constFind(test.key());
             if (known == letterOf.constEnd()) {
                 letterOf.insert(test.key(), letters.size());

@@ -239,10 +239,26 @@ QString reportFileName(const QString &name, const QDateTime &time)
            timeDigits(QLocale::c().toString(time, QStringLiteral("yyyy-MM-dd hh:mm:ss"))) + QStringLiteral(".html");
 }
 
-QString photoFileName(const QString &key, const QString &testTime)
+QStringList testValues(const QString &line)
 {
-    const QByteArray sum = QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha1).toHex().left(8);
-    return fileText(key) + QLatin1Char('_') + timeDigits(testTime).left(kLongestFileName) + QLatin1Char('_') +
+    const int key = keyOf(QStringView(line)).size();
+    QStringList values;
+    if (key < line.size())
+        values = line.mid(key + 1).split(QLatin1Char(','));
+    QStringList test;
+    for (int i = 0; i < kValuesPerTest; ++i)
+        test << (i < values.size() ? values.at(i) : QString::fromLatin1(kMissing));
+    return test;
+}
+
+QString photoFileName(const QString &key, const QStringList &test)
+{
+    // The record's values are in the checksum too: a child screened again
+    // within the same minute (a first attempt that went wrong) has two
+    // records with one time, and each keeps its own photo.
+    const QString record = key + QLatin1Char('|') + test.join(QLatin1Char(','));
+    const QByteArray sum = QCryptographicHash::hash(record.toUtf8(), QCryptographicHash::Sha1).toHex().left(8);
+    return fileText(key) + QLatin1Char('_') + timeDigits(test.value(0)).left(kLongestFileName) + QLatin1Char('_') +
            QString::fromLatin1(sum) + QStringLiteral(".jpg");
 }
 
@@ -254,17 +270,10 @@ QVector<QStringList> testsOf(const QString &history, const QString &name, const 
         // Most lines are other children's; skip them before splitting anything.
         if (!line.startsWith(wantedName))
             return;
-        const QStringView key = keyOf(line);
-        const QStringList fields = keyFields(key.toString());
+        const QStringList fields = keyFields(keyOf(line).toString());
         if (fields.at(0) != name || fields.at(1) != sex || fields.at(2) != birthday)
             return;
-        QStringList values;
-        if (key.size() < line.size())
-            values = line.mid(key.size() + 1).toString().split(QLatin1Char(','));
-        QStringList test;
-        for (int i = 0; i < kValuesPerTest; ++i)
-            test << (i < values.size() ? values.at(i) : QString::fromLatin1(kMissing));
-        tests << test;
+        tests << testValues(line.toString());
     });
     return tests;
 }

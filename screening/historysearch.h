@@ -65,17 +65,23 @@ QString exportHtml(const QString &history, const QStringList &keys, int *rows = 
 // ("yyyy-MM-dd hh:mm:ss" without its "-", ":" and blanks), then ".html".
 QString reportFileName(const QString &name, const QDateTime &time);
 
+// Test time, OD sphere, cylinder and axis, OS sphere, cylinder and axis,
+// pupil distance and result of one record, taken from the text after its
+// first "|"; a value the record lacks reads "N/A", one past the ninth is
+// left out.
+QStringList testValues(const QString &line);
+
 // File-name text for one test's pupil photo: the child's key with every
-// character outside [A-Za-z0-9_] made "_", the test time without its "-",
-// ":" and blanks, and a checksum of the exact key, so that two children
-// whose names differ only in letters outside that set (any two Chinese
-// names) never share a photo. Ends in ".jpg".
-QString photoFileName(const QString &key, const QString &testTime);
+// character outside [A-Za-z0-9_] made "_", the test time (the first of
+// `test`, the record's values as testValues gives them) without its "-",
+// ":" and blanks, and a checksum of the exact key and values, so that
+// neither two children whose names differ only in letters outside that set
+// (any two Chinese names) nor two tests of one child in the same minute
+// share a photo. Ends in ".jpg".
+QString photoFileName(const QString &key, const QStringList &test);
 
 // The tests of the child whose key fields are the three given, in the file's
-// order: test time, OD sphere, cylinder and axis, OS sphere, cylinder and
-// axis, pupil distance and result, taken from the text after the first "|".
-// A value the record lacks reads "N/A".
+// order, each as testValues gives it.
 QVector<QStringList> testsOf(const QString &history, const QString &name, const QString &sex, const QString &birthday);
 
 } // namespace historysearch

@@ -301,7 +301,8 @@ private slots:
         }
     }
 
-    // Saving keeps the recording's best frame beside the record; deleting a
+    // Saving keeps the recording's best frame beside the record, a second
+    // test of the child in the same minute beside its own; deleting a
     // child's records takes their photos and no other; a test whose
     // recording gave no frame has no photo and still exports whole.
     void photosFollowTheirRecords()
@@ -310,22 +311,24 @@ private slots:
         freezeClock();
         startDevice();
         const QImage frame = frameWithPupils({{800, 520}, {1120, 530}}, 9);
-        const auto save = [&](const QString &name, bool recorded) {
+        const auto save = [&](const QString &name, const char *result, bool recorded) {
             m_data->m_strName = name;
             m_data->m_dateBirthday = QDate(2019, 3, 2);
-            m_data->m_strResult = QStringLiteral("Refer");
+            m_data->m_strResult = QString::fromLatin1(result);
             m_data->m_pupilPhoto.reset();
             if (recorded)
                 m_data->m_pupilPhoto.offer(frame.constBits(), frame.width(), frame.height());
             m_data->saveTestResult();
-            advance(60);
-            return m_data->photoPath(historysearch::childKey(historyrecord::line(m_data->currentTest())),
-                                     m_data->m_strTestTime);
+            const QString line = historyrecord::line(m_data->currentTest());
+            return m_data->photoPath(historysearch::childKey(line), historysearch::testValues(line));
         };
-        const QString amy = save(QStringLiteral("Amy"), true);
-        const QString amyAgain = save(QStringLiteral("Amy"), true);
-        const QString chen = save(QStringLiteral("王小明"), true);
-        const QString lin = save(QStringLiteral("林小红"), false);
+        const QString amy = save(QStringLiteral("Amy"), "Refer", true);
+        advance(20);
+        const QString amyAgain = save(QStringLiteral("Amy"), "Pass", true);
+        advance(60);
+        const QString chen = save(QStringLiteral("王小明"), "Refer", true);
+        advance(60);
+        const QString lin = save(QStringLiteral("林小红"), "Refer", false);
         QVERIFY(QImage(amy).size() == pupilphoto::cropToEyes(frame).size());
         QVERIFY(amy != amyAgain && QFile::exists(amyAgain) && QFile::exists(chen));
         QVERIFY(!QFile::exists(lin));

@@ -336,6 +336,8 @@ void MainDialog::showUserDetail(int row)
         QList<QStandardItem *> cells;
         for (const QString &value : test)
             cells << newAlignCenterQStandardItem(value);
+        // The photo belongs to the record, not to the texts shown.
+        cells.first()->setData(g_pData->photoPath(m_strUserDetailKey, test), Qt::UserRole);
         QStandardItem *result = cells.last();
         if (test.last() == QLatin1String("Pass"))
             result->setText(tr("Pass"));
@@ -367,7 +369,7 @@ void MainDialog::showUserDetailPhoto(int row)
         return;
     }
     const QString time = m_pUserDetailModel->item(row, 0)->text();
-    const QImage image(g_pData->photoPath(m_strUserDetailKey, time));
+    const QImage image(m_pUserDetailModel->item(row, 0)->data(Qt::UserRole).toString());
     if (image.isNull()) {
         caption->setText(tr("No pupil photo was kept for the test of %1.").arg(time));
         return;

@@ -11,6 +11,7 @@
 #include "facerenderer.h"
 #include "devicefactory.h"
 #include "gdata.h"
+#include "historysearch.h"
 #include "keypaddlg.h"
 #include "maindialog.h"
 #include "msgdialog.h"
@@ -294,7 +295,9 @@ int main(int argc, char *argv[])
     for (int y = 0; y < frame.height(); ++y)
         std::memcpy(frame.scanLine(y), luma.data() + static_cast<size_t>(y) * frame.width(), frame.width());
     QDir().mkpath(g_pData->photoDir());
-    QFile photo(g_pData->photoPath(QStringLiteral("Sofia Marquez,Female,2019-03-02"), QStringLiteral("2024-11-04 09:30")));
+    const QString latest =
+        QStringLiteral("Sofia Marquez,Female,2019-03-02|2024-11-04 09:30,-0.25,-0.50,80,+0.00,-0.25,10,62,Pass");
+    QFile photo(g_pData->photoPath(historysearch::childKey(latest), historysearch::testValues(latest)));
     if (photo.open(QIODevice::WriteOnly))
         photo.write(pupilphoto::encodeJpeg(pupilphoto::cropToEyes(frame)));
     photo.close();
