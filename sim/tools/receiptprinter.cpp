@@ -89,6 +89,11 @@ bool writeFile(const QString &path, const QByteArray &bytes)
 
 void saveJob(const QString &outputDir, const QByteArray &stream)
 {
+    // A folder that is gone went with its device (a test's throw-away one):
+    // the paper has nobody to go to, and making the folder again would leave
+    // it behind for good.
+    if (!QFileInfo::exists(outputDir))
+        return;
     sim::EscPosDecoder decoder;
     decoder.feed(stream);
     decoder.finish();
