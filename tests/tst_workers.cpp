@@ -200,6 +200,8 @@ private slots:
         std::signal(SIGXFSZ, oldHandler);
         QVERIFY(reported);
         QCOMPARE(m_data->m_bRecordingBroken.load(), 1);
+        // Handed back with the file closed: the page records again only then.
+        QCOMPARE(m_data->m_nCameraMode.load(), 3);
         m_data->m_nCameraMode = 0;
         armRecording();
         QVERIFY(m_done->wait(10000));
