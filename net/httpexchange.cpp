@@ -105,24 +105,20 @@ template <typename Issue> bool exchange(const Request &request, Issue issue, QBy
         --*request.inProgress;
     logLine(request, request.logName + QStringLiteral(" ++ 1"));
 
-    if (refused) {
+    const auto abandon = [&](const QString &why) {
         QObject::disconnect(reply, nullptr, &loop, nullptr);
         reply->abort();
         releaseLater(reply, manager);
-        logLine(request, QStringLiteral("[R] reply past the limit or not stored"));
+        logLine(request, why);
         logLine(request, request.logName + QStringLiteral(" --"));
         return false;
-    }
+    };
+    if (refused)
+        return abandon(QStringLiteral("[R] reply past the limit or not stored"));
     // A reply that finished in the same pass of the loop as the time-out is
     // complete: it is kept.
-    if (!timer.isActive() && !reply->isFinished()) {
-        QObject::disconnect(reply, nullptr, &loop, nullptr);
-        reply->abort();
-        releaseLater(reply, manager);
-        logLine(request, QStringLiteral("[R] F"));
-        logLine(request, request.logName + QStringLiteral(" --"));
-        return false;
-    }
+    if (!timer.isActive() && !reply->isFinished())
+        return abandon(QStringLiteral("[R] F"));
     timer.stop();
     logLine(request, QStringLiteral("[R] C [%1] R [%2]")
                          .arg(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toString())
